@@ -34,9 +34,9 @@ class Datum {
     // Datum + Uhrzeit: both count from the same zero, so a day and a time of day simply add up.
     friend constexpr Datum operator+(Datum a, Datum b) { return Datum(a.sekunden_ + b.sekunden_); }
 
-    Datum datumsteil() const;    // the same day at 00:00
-    Datum uhrzeitteil() const;   // the same time on day zero
-    Datum aufMinute() const;     // seconds cut off
+    Datum datumsteil() const;   // the same day at 00:00
+    Datum uhrzeitteil() const;  // the same time on day zero
+    Datum aufMinute() const;    // seconds cut off
     Datum plusSekunden(std::int64_t n) const { return Datum(sekunden_ + n); }
 
   private:
@@ -61,7 +61,8 @@ enum class Einheit : char { Sekunde = 's', Minute = 'n', Stunde = 'h', Tag = 'd'
 // subtracted. 20:14:59 to 20:15:00 is one minute.
 std::int64_t DateDiff(Einheit einheit, Datum a, Datum b);
 
-// Plain calendar arithmetic; 23:55 plus 10 minutes is 00:05 of the next day.
+// Plain calendar arithmetic; 23:55 plus 10 minutes is 00:05 of the next day. Throws Fehler
+// kUngueltigesArgument for a result outside the years 100 to 9999.
 Datum DateAdd(Einheit einheit, std::int64_t anzahl, Datum d);
 
 // Overflowing parts are carried (month 13, day 0, minute 60). Years 0 to 29 mean 2000 to 2029, 30 to 99 mean
@@ -74,11 +75,12 @@ Datum TimeSerial(std::int64_t stunde, std::int64_t minute, std::int64_t sekunde)
 bool istKalendertag(int jahr, int monat, int tag);
 
 // A moment as text after a pattern of date tokens, with German names: d dd ddd dddd m mm mmm mmmm yy yyyy
-// h hh n nn s ss in any case, \x for a literal x; "m"/"mm" right after an hour token is the minute; ":" and "/"
-// become the German separators ":" and "."; everything else is printed as it is.
+// h hh n nn s ss in any case, \x for a literal x; "m"/"mm" is the minute when the token before it is an
+// hour; ":" and "/" become the German separators ":" and "."; everything else is printed as it is.
 std::string Format(Datum d, std::string_view muster);
 
-// A moment turned into text by itself: "24.12.2012 20:15:03", at midnight "24.12.2012", on day zero "20:15:03".
+// A moment turned into text by itself: "24.12.2012 20:15:03", at midnight "24.12.2012", on day zero, its
+// midnight included, "20:15:03".
 std::string datumAlsText(Datum d);
 
 // "yyyymmddhhnnss", the form for comparing and storing moments as text.

@@ -5,14 +5,14 @@
 #include "platform/ports/Automation.h"
 #include "platform/ports/Dateistarter.h"
 #include "platform/ports/Dateisystem.h"
+#include "platform/ports/Datenbankmaschine.h"
 #include "platform/ports/Fenstersystem.h"
 #include "platform/ports/Klang.h"
 #include "platform/ports/Meldungen.h"
+#include "platform/ports/Prozesse.h"
 #include "platform/ports/Rechner.h"
 #include "platform/ports/TaskleistenSymbol.h"
 #include "platform/ports/Uhr.h"
-#include "platform/ports/Prozesse.h"
-#include "platform/ports/Datenbankmaschine.h"
 
 namespace wendel {
 

@@ -47,7 +47,8 @@ std::string ausWindows1252(std::string_view bytes);
 std::string nachWindows1252(std::string_view utf8);
 
 // The content of a text file that a user may have edited: UTF-8 with a byte order mark, or valid UTF-8 with a
-// character beyond ASCII, else Windows-1252; lines end at CR LF, LF or CR. A last line end opens no further line.
+// character beyond ASCII, else Windows-1252; lines end at CR LF, LF or CR. A last line end opens no further
+// line.
 std::vector<std::string> textzeilen(std::string_view dateiinhalt);
 
 inline constexpr std::string_view kCrLf = "\r\n";

@@ -32,8 +32,8 @@ enum class Varianttyp : std::uint16_t {
 inline constexpr std::uint16_t kArrayFlag = 0x2000;
 
 // An array of any number of dimensions, each with its own lower bound. Elements lie with the first index
-// running fastest. elementtyp Variant means that each element carries its own type; any other type is the type
-// of all elements.
+// running fastest. elementtyp Variant means that each element carries its own type; any other type is the
+// type of all elements.
 struct Feldgrenzen {
     std::int32_t anzahl = 0;
     std::int32_t untergrenze = 0;
@@ -63,7 +63,8 @@ class Variant {
     struct NullWert {
         friend bool operator==(NullWert, NullWert) = default;
     };
-    // A date as its day number, bit for bit as it was read: values of other programs are written back unchanged.
+    // A date as its day number, bit for bit as it was read: values of other programs are written back
+    // unchanged.
     struct Tageszahl {
         double tage = 0;
         friend bool operator==(Tageszahl, Tageszahl) = default;
@@ -97,8 +98,9 @@ class Variant {
     // Type code as in the settings file, arrays with kArrayFlag. Binary has none: 0x2011 (array of bytes).
     std::uint16_t typcode() const;
 
-    // Lenient conversions: text goes through Val, booleans are -1 and 0, dates their day number, Empty is 0, ""
-    // or false. Throw Fehler kNull for Null, kTyp for arrays, kUeberlauf outside the target's range.
+    // Lenient conversions: text goes through Val, booleans are -1 and 0, dates their day number, Empty is 0,
+    // "" or false. As text, numbers look as in Zahlen.h and dates as datumAlsText makes them. Throw Fehler
+    // kNull for Null, kTyp for arrays and binary values, kUeberlauf outside the target's range.
     bool alsBool() const;
     std::int16_t alsInteger() const;
     std::int32_t alsLong() const;
@@ -110,8 +112,8 @@ class Variant {
     const Array& alsArray() const;
 
     // For a reader that must treat each type differently (the settings writer, the SQL layer).
-    using Wert = std::variant<LeerWert, NullWert, std::int16_t, std::int32_t, float, double, Waehrung, Tageszahl,
-                              std::string, bool, std::uint8_t, std::shared_ptr<const Array>,
+    using Wert = std::variant<LeerWert, NullWert, std::int16_t, std::int32_t, float, double, Waehrung,
+                              Tageszahl, std::string, bool, std::uint8_t, std::shared_ptr<const Array>,
                               std::vector<std::uint8_t>>;
     const Wert& wert() const { return wert_; }
 

@@ -17,10 +17,14 @@ double Val(std::string_view text);
 std::int16_t CInt(double wert);
 std::int32_t CLng(double wert);
 
-// Shortest decimal text that reads back as the same number, "." as decimal sign.
+// Shortest decimal text that reads back as the same number, "." as decimal sign; written out from 0.00001 to
+// 15 places before the decimal sign, else with an exponent ("1.5e+20"). einfachAlsText: shortest for single
+// precision.
 std::string zahlAlsText(double wert);
+std::string einfachAlsText(float wert);
 
-// Format "00" and the like: decimal digits padded on the left with zeros to at least that many places.
+// Format "00" and the like: decimal digits padded on the left with zeros to at least that many places; a
+// minus sign stands before them and is not counted.
 std::string mitNullen(std::int64_t wert, int stellen);
 
 // Upper case without leading zeros, negative numbers as 32 bits: Hex(-1) is "FFFFFFFF".

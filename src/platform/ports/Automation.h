@@ -3,8 +3,8 @@
 
 namespace wendel {
 
-// Calls to automation objects of other programs of the suite. Serving our own object is the adapter's work: it
-// hands each control line to the main form.
+// Calls to automation objects of other programs of the suite. Serving our own object is the adapter's work:
+// it hands each control line to the main form.
 class Automation {
   public:
     virtual ~Automation() = default;

@@ -7,8 +7,8 @@
 namespace wendel {
 
 // Files by logic paths: plain UTF-8 text with "\" between folders (and "/" accepted). The adapter alone turns
-// them into native paths. Wildcards are ordinary characters. Operations return false or nothing on any failure
-// and never throw. Relative paths count from the current folder.
+// them into native paths. Wildcards are ordinary characters. Operations return false or nothing on any
+// failure and never throw. Relative paths count from the current folder.
 class Dateisystem {
   public:
     virtual ~Dateisystem() = default;
@@ -21,8 +21,8 @@ class Dateisystem {
 
     // Creates an empty file if there is none (opening for binary access does); an existing one is untouched.
     [[nodiscard]] virtual bool anlegen(const std::string& pfad) = 0;
-    // One write at offset 0 of the file, created if absent, not truncated: a longer old tail stays. On the disk
-    // when the call returns.
+    // One write at offset 0 of the file, created if absent, not truncated: a longer old tail stays. On the
+    // disk when the call returns.
     [[nodiscard]] virtual bool ueberschreibenAmAnfang(const std::string& pfad, std::string_view inhalt) = 0;
     // Writes a whole file; on the disk when the call returns. A failure can leave part of it behind.
     [[nodiscard]] virtual bool schreiben(const std::string& pfad, std::string_view inhalt) = 0;

@@ -32,7 +32,8 @@ class Recordset {
     virtual void close() = 0;
 };
 
-// The type and options of OpenRecordset: only the combinations that the access layer's contract names are used.
+// The type and options of OpenRecordset: only the combinations that the access layer's contract names are
+// used.
 inline constexpr int kSnapshot = 4;
 inline constexpr int kForwardOnly = 256;
 inline constexpr int kFailOnError = 128;

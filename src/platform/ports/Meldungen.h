@@ -5,7 +5,7 @@ namespace wendel {
 
 // Styles and answers of message boxes: the platform's numbers, which the texts of the system use.
 namespace meldungsstil {
-inline constexpr int kWiederholenAbbrechen = 53;               // Retry/Cancel, exclamation
+inline constexpr int kWiederholenAbbrechen = 53;                // Retry/Cancel, exclamation
 inline constexpr int kWiederholenAbbrechenVordergrund = 65589;  // the same, forced to the front
 inline constexpr int kJaNeinAusrufezeichen = 52;
 inline constexpr int kAusrufezeichen = 48;
@@ -21,8 +21,8 @@ class Meldungen {
     virtual ~Meldungen() = default;
     virtual Antwort meldung(const std::string& text, int stil, const std::string& titel) = 0;
 
-    // A failure inside the tick, shown without waiting; one window whose text is replaced by the next failure,
-    // so that nothing piles up overnight.
+    // A failure inside the tick, shown without waiting; one window whose text is replaced by the next
+    // failure, so that nothing piles up overnight.
     virtual void zeigeFehlerOhneWarten(const std::string& text, int nummer, const std::string& quelle,
                                        const std::string& beschreibung, const std::string& titel) = 0;
 };

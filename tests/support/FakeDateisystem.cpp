@@ -1,0 +1,222 @@
+#include <utility>
+
+#include "platform/Text.h"
+#include "support/Fakes.h"
+
+namespace wendel {
+
+namespace {
+
+// Folder part with its "\", and the last component.
+std::pair<std::string, std::string> zerlege(const std::string& absolut) {
+    const std::size_t trenner = absolut.rfind('\\');
+    return {absolut.substr(0, trenner + 1), absolut.substr(trenner + 1)};
+}
+
+}  // namespace
+
+std::string FakeDateisystem::absolut(const std::string& pfad) const {
+    const bool vonWurzel = !pfad.empty() && (pfad[0] == '\\' || pfad[0] == '/');
+    const bool mitLaufwerk = pfad.size() >= 2 && pfad[1] == ':';
+    std::string ergebnis;
+    for (const char zeichen : (vonWurzel || mitLaufwerk) ? pfad : aktuell_ + pfad) {
+        const char trenner = zeichen == '/' ? '\\' : zeichen;
+        if (trenner == '\\' && !ergebnis.empty() && ergebnis.back() == '\\') continue;
+        ergebnis += trenner;
+    }
+    return ergebnis;
+}
+
+std::string FakeDateisystem::ordnerpfad(const std::string& pfad) const {
+    std::string ergebnis = absolut(pfad);
+    if (ergebnis.empty() || ergebnis.back() != '\\') ergebnis += '\\';
+    return ergebnis;
+}
+
+const std::string* FakeDateisystem::finde(const std::string& pfad) const {
+    if (pfad.empty()) return nullptr;
+    const std::string gesucht = absolut(pfad);
+    if (const auto genau = dateien_.find(gesucht); genau != dateien_.end()) return &genau->first;
+    const auto [ordner, name] = zerlege(gesucht);
+    for (auto it = dateien_.lower_bound(ordner); it != dateien_.end() && it->first.starts_with(ordner);
+         ++it) {
+        const std::string rest = it->first.substr(ordner.size());
+        if (rest.find('\\') == std::string::npos && gleichOhneGrossKlein(rest, name)) return &it->first;
+    }
+    return nullptr;
+}
+
+// ---- setting up and looking ----
+
+void FakeDateisystem::lege(const std::string& pfad, std::string inhalt) {
+    const std::string ziel = absolut(pfad);
+    legeOrdner(zerlege(ziel).first);
+    dateien_[ziel] = std::move(inhalt);
+}
+
+void FakeDateisystem::legeOrdner(const std::string& pfad) {
+    const std::string ziel = ordnerpfad(pfad);
+    for (std::size_t stelle = ziel.find('\\'); stelle != std::string::npos;
+         stelle = ziel.find('\\', stelle + 1)) {
+        ordner_.insert(ziel.substr(0, stelle + 1));
+    }
+}
+
+void FakeDateisystem::entferne(const std::string& pfad) { dateien_.erase(absolut(pfad)); }
+
+std::optional<std::string> FakeDateisystem::inhalt(const std::string& pfad) const {
+    const auto treffer = dateien_.find(absolut(pfad));
+    if (treffer == dateien_.end()) return std::nullopt;
+    return treffer->second;
+}
+
+std::vector<std::string> FakeDateisystem::dateien() const {
+    std::vector<std::string> namen;
+    for (const auto& [name, inhalt] : dateien_)
+        namen.push_back(name);
+    return namen;
+}
+
+bool FakeDateisystem::hatOrdner(const std::string& pfad) const { return ordner_.contains(ordnerpfad(pfad)); }
+
+void FakeDateisystem::scheitereBeimSchreiben(int n, bool teilweise) {
+    schreibfehlerIn_ = n;
+    schreibfehlerTeilweise_ = teilweise;
+}
+
+void FakeDateisystem::stuerzeAbBei(int n, Rest rest) {
+    absturzIn_ = n;
+    rest_ = rest;
+}
+
+void FakeDateisystem::neustart() {
+    tot_ = false;
+    absturzIn_ = 0;
+    schreibfehlerIn_ = 0;
+}
+
+// ---- failing ----
+
+bool FakeDateisystem::vorgang(std::string_view name, const std::string& pfad) {
+    if (tot_) return false;
+    aufrufe().notiere(Portart::Dateisystem, name, pfad);
+    return !(scheitert && scheitert(std::string(name), pfad));
+}
+
+FakeDateisystem::Erlaubnis FakeDateisystem::dauerhaft() {
+    ++dauerhafteVorgaenge;
+    if (absturzIn_ > 0 && --absturzIn_ == 0) {
+        tot_ = true;
+        switch (rest_) {
+            case Rest::Nichts: return {Umfang::GarNicht, true};
+            case Rest::Haelfte: return {Umfang::Halb, true};
+            case Rest::Alles: return {Umfang::Ganz, true};
+        }
+    }
+    if (schreibfehlerIn_ > 0 && --schreibfehlerIn_ == 0) {
+        return {schreibfehlerTeilweise_ ? Umfang::Halb : Umfang::GarNicht, false};
+    }
+    return {};
+}
+
+bool FakeDateisystem::abschluss(const Erlaubnis& erlaubnis) {
+    if (erlaubnis.danachAbsturz) throw Absturz{};
+    return erlaubnis.umfang == Umfang::Ganz;
+}
+
+bool FakeDateisystem::schreibe(std::string_view name, const std::string& pfad, bool teilbar,
+                               const std::function<void(std::string&, std::string_view)>& tue,
+                               std::string_view inhalt) {
+    if (!vorgang(name, pfad)) return false;
+    const std::string ziel = absolut(pfad);
+    if (pfad.empty() || !ordner_.contains(zerlege(ziel).first) || ordner_.contains(ziel + "\\")) return false;
+    if (nurLesen.contains(pfad) || nurLesen.contains(ziel)) return false;
+    const Erlaubnis erlaubnis = dauerhaft();
+    if (erlaubnis.umfang == Umfang::Ganz) tue(dateien_[ziel], inhalt);
+    if (erlaubnis.umfang == Umfang::Halb && teilbar) tue(dateien_[ziel], inhalt.substr(0, inhalt.size() / 2));
+    return abschluss(erlaubnis);
+}
+
+// ---- the port ----
+
+bool FakeDateisystem::existiert(const std::string& pfad) { return vorgang("existiert", pfad) && finde(pfad); }
+
+std::optional<std::uint64_t> FakeDateisystem::groesse(const std::string& pfad) {
+    if (!vorgang("groesse", pfad)) return std::nullopt;
+    const std::string* name = finde(pfad);
+    if (!name) return std::nullopt;
+    return dateien_.at(*name).size();
+}
+
+std::optional<std::string> FakeDateisystem::lesen(const std::string& pfad) {
+    if (!vorgang("lesen", pfad)) return std::nullopt;
+    const std::string* name = finde(pfad);
+    if (!name) return std::nullopt;
+    return dateien_.at(*name);
+}
+
+bool FakeDateisystem::anlegen(const std::string& pfad) {
+    if (dateien_.contains(absolut(pfad))) return vorgang("anlegen", pfad);
+    return schreibe("anlegen", pfad, false, [](std::string&, std::string_view) {}, {});
+}
+
+bool FakeDateisystem::ueberschreibenAmAnfang(const std::string& pfad, std::string_view inhalt) {
+    const auto tue = [](std::string& datei, std::string_view teil) {
+        datei.replace(0, std::min(datei.size(), teil.size()), teil);
+    };
+    return schreibe("ueberschreibenAmAnfang", pfad, true, tue, inhalt);
+}
+
+bool FakeDateisystem::schreiben(const std::string& pfad, std::string_view inhalt) {
+    return schreibe(
+        "schreiben", pfad, true, [](std::string& datei, std::string_view teil) { datei = teil; }, inhalt);
+}
+
+bool FakeDateisystem::ersetzen(const std::string& pfad, std::string_view inhalt) {
+    return schreibe(
+        "ersetzen", pfad, false, [](std::string& datei, std::string_view teil) { datei = teil; }, inhalt);
+}
+
+bool FakeDateisystem::anhaengen(const std::string& pfad, std::string_view inhalt) {
+    return schreibe(
+        "anhaengen", pfad, true, [](std::string& datei, std::string_view teil) { datei += teil; }, inhalt);
+}
+
+bool FakeDateisystem::loeschen(const std::string& pfad) {
+    if (!vorgang("loeschen", pfad)) return false;
+    const std::string ziel = absolut(pfad);
+    if (!dateien_.contains(ziel) || nurLesen.contains(pfad) || nurLesen.contains(ziel)) return false;
+    const Erlaubnis erlaubnis = dauerhaft();
+    if (erlaubnis.umfang == Umfang::Ganz) dateien_.erase(ziel);
+    return abschluss(erlaubnis);
+}
+
+bool FakeDateisystem::umbenennen(const std::string& von, const std::string& nach) {
+    if (!vorgang("umbenennen", von)) return false;
+    const std::string quelle = absolut(von), ziel = absolut(nach);
+    if (!dateien_.contains(quelle) || dateien_.contains(ziel)) return false;
+    if (!ordner_.contains(zerlege(ziel).first)) return false;
+    const Erlaubnis erlaubnis = dauerhaft();
+    if (erlaubnis.umfang == Umfang::Ganz) {
+        auto knoten = dateien_.extract(quelle);
+        knoten.key() = ziel;
+        dateien_.insert(std::move(knoten));
+    }
+    return abschluss(erlaubnis);
+}
+
+bool FakeDateisystem::ordnerAnlegen(const std::string& pfad) {
+    if (!vorgang("ordnerAnlegen", pfad) || pfad.empty()) return false;
+    if (hatOrdner(pfad)) return true;
+    const Erlaubnis erlaubnis = dauerhaft();
+    if (erlaubnis.umfang == Umfang::Ganz) legeOrdner(pfad);
+    return abschluss(erlaubnis);
+}
+
+bool FakeDateisystem::ordnerWechseln(const std::string& pfad) {
+    if (!vorgang("ordnerWechseln", pfad) || pfad.empty() || !hatOrdner(pfad)) return false;
+    aktuell_ = ordnerpfad(pfad);
+    return true;
+}
+
+}  // namespace wendel

@@ -1,0 +1,222 @@
+#include <algorithm>
+#include <stdexcept>
+#include <utility>
+
+#include "platform/Text.h"
+#include "support/Fakes.h"
+
+namespace wendel {
+
+namespace {
+
+using Zustand = std::shared_ptr<FakeDatenbankzustand>;
+
+void merke(const Zustand& zustand, const char* art, const std::string& text, std::optional<int> typ = {},
+           std::optional<int> optionen = {}) {
+    zustand->aufrufe->notiere(Portart::Datenbank, art, text);
+    if (zustand->mitschreiben) zustand->vorgaenge.push_back({art, text, typ, optionen});
+}
+
+// The failure that is next in turn, if one is.
+void stoereNachPlan(const Zustand& zustand, const std::string& sql) {
+    if (zustand->vorAnweisung) zustand->vorAnweisung(sql);
+    if (zustand->naechsteFehler.empty()) return;
+    const int nummer = zustand->naechsteFehler.front();
+    zustand->naechsteFehler.pop_front();
+    if (nummer != 0) throw Fehler(nummer, "FakeDatenbank", zustand->fehlertext);
+}
+
+// Nothing when the script does not know the statement; throws the failure that it prescribes.
+std::optional<FakeTabelle> antwortAuf(const Zustand& zustand, const std::string& sql) {
+    std::optional<FakeAntwort> antwort;
+    if (zustand->dynamisch) antwort = zustand->dynamisch(sql);
+    if (!antwort) {
+        const auto treffer = zustand->antworten.find(sql);
+        if (treffer == zustand->antworten.end()) return std::nullopt;
+        antwort = treffer->second;
+    }
+    if (const Fehler* fehler = std::get_if<Fehler>(&*antwort)) throw *fehler;
+    return std::get<FakeTabelle>(std::move(*antwort));
+}
+
+class FakeRecordset : public Recordset {
+  public:
+    FakeRecordset(Zustand zustand, std::shared_ptr<int> offene, FakeTabelle tabelle)
+        : zustand_(std::move(zustand)), offene_(std::move(offene)), tabelle_(std::move(tabelle)) {
+        ++*offene_;
+        ++zustand_->recordsetsGeoeffnet;
+    }
+    ~FakeRecordset() override { schliesse(); }
+    FakeRecordset(const FakeRecordset&) = delete;
+    FakeRecordset& operator=(const FakeRecordset&) = delete;
+
+    bool eof() override { return zeile_ >= tabelle_.zeilen.size(); }
+
+    void moveNext() override {
+        if (eof()) throw Fehler(3021, "FakeRecordset", "Kein aktueller Datensatz.");
+        ++zeile_;
+    }
+
+    std::size_t feldnummer(const std::string& name) override {
+        for (std::size_t i = 0; i < tabelle_.spalten.size(); ++i) {
+            if (gleichOhneGrossKlein(tabelle_.spalten[i], name)) return i;
+        }
+        throw Fehler(3265, "FakeRecordset", "Element in dieser Auflistung nicht gefunden.");
+    }
+
+    Variant feld(std::size_t nummer) override {
+        if (neu_) return neu_->at(nummer);
+        if (eof()) throw Fehler(3021, "FakeRecordset", "Kein aktueller Datensatz.");
+        return tabelle_.zeilen[zeile_].at(nummer);
+    }
+
+    void addNew() override { neu_.emplace(tabelle_.spalten.size(), Variant::null()); }
+
+    void setzeFeld(std::size_t nummer, const Variant& wert) override {
+        if (!neu_) throw Fehler(3020, "FakeRecordset", "Update ohne AddNew.");
+        neu_->at(nummer) = wert;
+    }
+
+    void update() override {
+        merke(zustand_, "update", "");
+        stoereNachPlan(zustand_, "");
+        if (!neu_) throw Fehler(3020, "FakeRecordset", "Update ohne AddNew.");
+        std::map<std::string, Variant> zeile;
+        for (std::size_t i = 0; i < neu_->size(); ++i)
+            zeile[tabelle_.spalten[i]] = (*neu_)[i];
+        zustand_->gespeichert.push_back(std::move(zeile));
+        neu_.reset();
+    }
+
+    void close() override {
+        merke(zustand_, "closeRecordset", "");
+        schliesse();
+    }
+
+  private:
+    void schliesse() {
+        if (std::exchange(geschlossen_, true)) return;
+        --*offene_;
+        ++zustand_->recordsetsGeschlossen;
+    }
+
+    Zustand zustand_;
+    std::shared_ptr<int> offene_;
+    FakeTabelle tabelle_;
+    std::size_t zeile_ = 0;
+    std::optional<std::vector<Variant>> neu_;
+    bool geschlossen_ = false;
+};
+
+class FakeDatenbank : public Datenbank {
+  public:
+    FakeDatenbank(Zustand zustand, std::string pfad) : zustand_(std::move(zustand)), pfad_(std::move(pfad)) {
+        ++zustand_->geoeffnet;
+    }
+    ~FakeDatenbank() override { schliesse(); }
+    FakeDatenbank(const FakeDatenbank&) = delete;
+    FakeDatenbank& operator=(const FakeDatenbank&) = delete;
+
+    std::string name() override { return pfad_; }
+
+    std::unique_ptr<Recordset> openRecordset(const std::string& sql, std::optional<int> typ,
+                                             std::optional<int> optionen) override {
+        pruefeOffen();
+        merke(zustand_, "openRecordset", sql, typ, optionen);
+        stoereNachPlan(zustand_, sql);
+        std::optional<FakeTabelle> tabelle = antwortAuf(zustand_, sql);
+        // No Fehler: it would vanish in the retry boxes of the code under test.
+        if (!tabelle) throw std::logic_error("FakeDatenbank kennt keine Antwort auf: " + sql);
+        return std::make_unique<FakeRecordset>(zustand_, offene_, std::move(*tabelle));
+    }
+
+    void execute(const std::string& sql, int optionen) override {
+        pruefeOffen();
+        merke(zustand_, "execute", sql, std::nullopt, optionen);
+        stoereNachPlan(zustand_, sql);
+        antwortAuf(zustand_, sql);
+    }
+
+    int recordsetsCount() override { return *offene_ + zustand_->fremdeRecordsets; }
+
+    void close() override {
+        merke(zustand_, "closeDatabase", pfad_);
+        schliesse();
+    }
+
+  private:
+    void pruefeOffen() const {
+        if (geschlossen_) throw std::logic_error("FakeDatenbank: schon geschlossen: " + pfad_);
+    }
+    void schliesse() {
+        if (!std::exchange(geschlossen_, true)) ++zustand_->geschlossen;
+    }
+
+    Zustand zustand_;
+    std::string pfad_;
+    std::shared_ptr<int> offene_ = std::make_shared<int>(0);
+    bool geschlossen_ = false;
+};
+
+class FakeDatenbankmaschine : public Datenbankmaschine {
+  public:
+    explicit FakeDatenbankmaschine(Zustand zustand) : zustand_(std::move(zustand)) {}
+
+    std::unique_ptr<Datenbank> openDatabase(const std::string& pfad) override {
+        merke(zustand_, "openDatabase", pfad);
+        if (zustand_->beimOeffnen) zustand_->beimOeffnen(pfad);
+        return std::make_unique<FakeDatenbank>(zustand_, pfad);
+    }
+
+    void repairDatabase(const std::string& pfad) override {
+        merke(zustand_, "repairDatabase", pfad);
+        if (zustand_->beimReparieren) zustand_->beimReparieren(pfad);
+    }
+
+    void compactDatabase(const std::string& quelle, const std::string& ziel) override {
+        merke(zustand_, "compactDatabase", quelle + " -> " + ziel);
+        if (zustand_->beimKomprimieren) zustand_->beimKomprimieren(quelle, ziel);
+    }
+
+  private:
+    Zustand zustand_;
+};
+
+}  // namespace
+
+std::vector<std::string> FakeDatenbankzustand::anweisungen() const {
+    std::vector<std::string> texte;
+    for (const FakeVorgang& vorgang : vorgaenge) {
+        if (vorgang.art == "openRecordset" || vorgang.art == "execute") texte.push_back(vorgang.text);
+    }
+    return texte;
+}
+
+std::vector<std::string> FakeDatenbankzustand::anweisungen(std::string_view art) const {
+    std::vector<std::string> texte;
+    for (const FakeVorgang& vorgang : vorgaenge) {
+        if (vorgang.art == art) texte.push_back(vorgang.text);
+    }
+    return texte;
+}
+
+FakeDatenbankmaschinen::FakeDatenbankmaschinen(Aufrufe* gemeinsam)
+    : FakeBasis(gemeinsam), zustand_(std::make_shared<FakeDatenbankzustand>()) {
+    zustand_->aufrufe = &aufrufe();
+}
+
+std::unique_ptr<Datenbankmaschine> FakeDatenbankmaschinen::maschine(const std::string& kennung,
+                                                                    bool vorhanden) {
+    aufrufe().notiere(Portart::Datenbank, "maschine", kennung);
+    versuche.push_back(kennung);
+    if (!vorhanden) throw Fehler(429, "FakeDatenbankmaschinen", "Objekterstellung nicht möglich.");
+    return std::make_unique<FakeDatenbankmaschine>(zustand_);
+}
+
+std::unique_ptr<Datenbankmaschine> FakeDatenbankmaschinen::direkt() { return maschine("", direktVorhanden); }
+
+std::unique_ptr<Datenbankmaschine> FakeDatenbankmaschinen::nachProgrammkennung(const std::string& kennung) {
+    return maschine(kennung, kennungenVorhanden.contains(kennung));
+}
+
+}  // namespace wendel

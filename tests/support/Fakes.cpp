@@ -1,0 +1,288 @@
+#include "support/Fakes.h"
+
+#include <algorithm>
+#include <numeric>
+#include <utility>
+
+#include "platform/Text.h"
+
+namespace wendel {
+
+// ---- journal ----
+
+void Aufrufe::notiere(Portart art, std::string_view vorgang, std::string_view argumente) {
+    zaehle(art);
+    if (!mitschreiben) return;
+    static constexpr std::array<std::string_view, kPortarten> kNamen = {
+        "Uhr",          "Dateisystem", "Meldungen",         "Fenstersystem", "Klang",    "Prozesse",
+        "Dateistarter", "Automation",  "TaskleistenSymbol", "Rechner",       "Datenbank"};
+    std::string zeile(kNamen[static_cast<std::size_t>(art)]);
+    zeile.append(".").append(vorgang).append("(").append(argumente).append(")");
+    zeilen.push_back(std::move(zeile));
+}
+
+std::int64_t Aufrufe::anzahlOhneUhr() const {
+    return std::accumulate(anzahl_.begin(), anzahl_.end(), std::int64_t{0}) - anzahl(Portart::Uhr);
+}
+
+void Aufrufe::leeren() {
+    anzahl_.fill(0);
+    zeilen.clear();
+}
+
+// ---- clock ----
+
+void FakeUhr::vorMs(std::int64_t ms) {
+    wanduhrMs_ += ms;
+    laufzeitMs_ += ms;
+}
+
+Datum FakeUhr::jetzt() {
+    aufrufe().zaehle(Portart::Uhr);
+    return Datum::ausSekunden(wanduhrMs_ / 1000);
+}
+
+std::int64_t FakeUhr::laufzeitMs() {
+    aufrufe().zaehle(Portart::Uhr);
+    return laufzeitMs_;
+}
+
+void FakeUhr::schlafe(int ms) {
+    aufrufe().notiere(Portart::Uhr, "schlafe", std::to_string(ms));
+    schlafdauern.push_back(ms);
+    vorMs(ms);
+    if (beimSchlafen) beimSchlafen(ms);
+}
+
+void FakeUhr::nachrichtenVerarbeiten() {
+    aufrufe().notiere(Portart::Uhr, "nachrichtenVerarbeiten");
+    ++nachrichtenlaeufe;
+    if (beiNachrichten) beiNachrichten();
+}
+
+// ---- boxes ----
+
+namespace {
+
+// What closing the box means to each kind of buttons.
+Antwort ablehnung(int stil) {
+    switch (stil & 15) {
+        case 0: return Antwort::Ok;
+        case 4: return Antwort::Nein;
+        default: return Antwort::Abbrechen;
+    }
+}
+
+}  // namespace
+
+Antwort FakeMeldungen::meldung(const std::string& text, int stil, const std::string& titel) {
+    aufrufe().notiere(Portart::Meldungen, "meldung", titel);
+    gezeigt.push_back({text, stil, titel});
+    if (imKasten) imKasten(Kasten{text, stil, titel});
+    if (antworten.empty()) return ablehnung(stil);
+    const Antwort antwort = antworten.front();
+    antworten.pop_front();
+    return antwort;
+}
+
+void FakeMeldungen::zeigeFehlerOhneWarten(const std::string& text, int nummer, const std::string& quelle,
+                                          const std::string& beschreibung, const std::string& titel) {
+    aufrufe().notiere(Portart::Meldungen, "zeigeFehlerOhneWarten", text);
+    fehleranzeigen.push_back({text, nummer, quelle, beschreibung, titel});
+}
+
+// ---- windows ----
+
+Arbeitsbereich FakeFenstersystem::arbeitsbereich() {
+    aufrufe().notiere(Portart::Fenstersystem, "arbeitsbereich");
+    return bereich;
+}
+
+Fensterhandle FakeFenstersystem::vordergrundfenster() {
+    aufrufe().notiere(Portart::Fenstersystem, "vordergrundfenster");
+    return vordergrund;
+}
+
+std::uint64_t FakeFenstersystem::fensterThread(Fensterhandle handle) {
+    aufrufe().notiere(Portart::Fenstersystem, "fensterThread", std::to_string(handle));
+    const auto treffer = fenster.find(handle);
+    return treffer == fenster.end() ? 0 : treffer->second.thread;
+}
+
+void FakeFenstersystem::eingabeVerbinden(std::uint64_t vonThread, std::uint64_t zuThread, bool verbinden) {
+    aufrufe().notiere(
+        Portart::Fenstersystem, "eingabeVerbinden",
+        std::to_string(vonThread) + ", " + std::to_string(zuThread) + (verbinden ? ", an" : ", aus"));
+}
+
+bool FakeFenstersystem::vordergrundSetzen(Fensterhandle handle) {
+    aufrufe().notiere(Portart::Fenstersystem, "vordergrundSetzen", std::to_string(handle));
+    if (vordergrundErlaubt && fenster.contains(handle)) vordergrund = handle;
+    return vordergrund == handle;
+}
+
+bool FakeFenstersystem::istMinimiert(Fensterhandle handle) {
+    aufrufe().notiere(Portart::Fenstersystem, "istMinimiert", std::to_string(handle));
+    const auto treffer = fenster.find(handle);
+    return treffer != fenster.end() && treffer->second.minimiert;
+}
+
+void FakeFenstersystem::wiederherstellen(Fensterhandle handle) {
+    aufrufe().notiere(Portart::Fenstersystem, "wiederherstellen", std::to_string(handle));
+    if (const auto treffer = fenster.find(handle); treffer != fenster.end()) {
+        treffer->second.minimiert = false;
+        treffer->second.sichtbar = true;
+    }
+}
+
+void FakeFenstersystem::zeigen(Fensterhandle handle) {
+    aufrufe().notiere(Portart::Fenstersystem, "zeigen", std::to_string(handle));
+    if (const auto treffer = fenster.find(handle); treffer != fenster.end()) treffer->second.sichtbar = true;
+}
+
+bool FakeFenstersystem::aktivierenNachTitel(const std::string& titel) {
+    aufrufe().notiere(Portart::Fenstersystem, "aktivierenNachTitel", titel);
+    aktivierteTitel.push_back(titel);
+    if (titel.empty()) return false;
+    const std::string gesucht = LCase(titel);
+    const auto aktiviere = [&](auto passt) {
+        for (const auto& [handle, eintrag] : fenster) {
+            if (!passt(LCase(eintrag.titel))) continue;
+            vordergrund = handle;
+            return true;
+        }
+        return false;
+    };
+    return aktiviere([&](const std::string& t) { return t == gesucht; }) ||
+           aktiviere([&](const std::string& t) { return t.starts_with(gesucht); });
+}
+
+void FakeFenstersystem::sanduhr(bool an) {
+    aufrufe().notiere(Portart::Fenstersystem, "sanduhr", an ? "an" : "aus");
+    sanduhrAn = an;
+}
+
+// ---- sound, processes, starts, automation ----
+
+int FakeKlang::ausgabegeraete() {
+    aufrufe().notiere(Portart::Klang, "ausgabegeraete");
+    return geraete;
+}
+
+void FakeKlang::spieleAsynchron(const std::string& pfad) {
+    aufrufe().notiere(Portart::Klang, "spieleAsynchron", pfad);
+    gespielt.push_back(pfad);
+}
+
+std::vector<Prozess> FakeProzesse::liste() {
+    aufrufe().notiere(Portart::Prozesse, "liste");
+    return laufende;
+}
+
+bool FakeProzesse::beenden(std::uint32_t id) {
+    aufrufe().notiere(Portart::Prozesse, "beenden", std::to_string(id));
+    const auto treffer = std::find_if(laufende.begin(), laufende.end(),
+                                      [id](const Prozess& prozess) { return prozess.id == id; });
+    if (treffer == laufende.end() || id == eigene || unbeendbar.contains(id)) return false;
+    laufende.erase(treffer);
+    beendet.push_back(id);
+    return true;
+}
+
+int FakeStarter::ausfuehren(const std::string& datei, const std::string& parameter, const std::string& ordner,
+                            int fensterstil) {
+    aufrufe().notiere(Portart::Dateistarter, "ausfuehren", datei);
+    gestartet.push_back({datei, parameter, ordner, fensterstil});
+    if (beimStart) beimStart(Start{datei, parameter, ordner, fensterstil});
+    return ergebnis;
+}
+
+bool FakeAutomation::rufeDoThis(const std::string& klasse, const std::string& text) {
+    aufrufe().notiere(Portart::Automation, "rufeDoThis", klasse + ", " + text);
+    rufe.push_back({klasse, text});
+    if (beimRuf) beimRuf(Ruf{klasse, text});
+    return erfolg;
+}
+
+void FakeAutomation::setzeWartemeldung(const std::string& titel, const std::string& text, int zeitMs) {
+    aufrufe().notiere(Portart::Automation, "setzeWartemeldung", text);
+    wartemeldung = Wartemeldung{titel, text, zeitMs};
+}
+
+// ---- tray ----
+
+std::string FakeSymbol::tooltip() const {
+    if (datensaetze.empty()) return {};
+    const Datensatz& letzter = datensaetze.back();
+    const auto beginn = letzter.begin() + 24;
+    return ausWindows1252(std::string(beginn, std::find(beginn, letzter.end(), std::uint8_t{0})));
+}
+
+void FakeSymbol::merke(std::span<const std::uint8_t, 88> datensatz) {
+    Datensatz kopie{};
+    std::copy(datensatz.begin(), datensatz.end(), kopie.begin());
+    datensaetze.push_back(kopie);
+}
+
+namespace {
+
+std::uint32_t kennungAus(std::span<const std::uint8_t, 88> datensatz) {
+    return static_cast<std::uint32_t>(datensatz[8] | datensatz[9] << 8 | datensatz[10] << 16) |
+           static_cast<std::uint32_t>(datensatz[11]) << 24;
+}
+
+}  // namespace
+
+void FakeSymbol::hinzufuegen(std::span<const std::uint8_t, 88> datensatz) {
+    aufrufe().notiere(Portart::TaskleistenSymbol, "hinzufuegen");
+    merke(datensatz);
+    symbole.emplace(kennungAus(datensatz), datensaetze.back());
+}
+
+void FakeSymbol::aendern(std::span<const std::uint8_t, 88> datensatz) {
+    aufrufe().notiere(Portart::TaskleistenSymbol, "aendern");
+    merke(datensatz);
+    if (const auto treffer = symbole.find(kennungAus(datensatz)); treffer != symbole.end()) {
+        treffer->second = datensaetze.back();
+    }
+}
+
+void FakeSymbol::entfernen(std::uint32_t kennung) {
+    aufrufe().notiere(Portart::TaskleistenSymbol, "entfernen", std::to_string(kennung));
+    symbole.erase(kennung);
+}
+
+// ---- computer ----
+
+bool FakeRechner::rechnername(std::string& puffer) {
+    aufrufe().notiere(Portart::Rechner, "rechnername");
+    if (nameBekannt) puffer = name;
+    return nameBekannt;
+}
+
+std::int32_t FakeRechner::freierSpeicher() {
+    aufrufe().notiere(Portart::Rechner, "freierSpeicher");
+    return speicher;
+}
+
+double FakeRechner::zufall() {
+    aufrufe().notiere(Portart::Rechner, "zufall");
+    if (zufallszahlen.empty()) return 0.5;
+    const double naechste = zufallszahlen.front();
+    zufallszahlen.pop_front();
+    return naechste;
+}
+
+// ---- all of them ----
+
+FakePorts::FakePorts() {
+    dateien.legeOrdner(kTestordner);
+    if (dateien.ordnerWechseln(kTestordner)) aufrufe.leeren();
+}
+
+Ports FakePorts::ports() {
+    return {uhr,     dateien,    meldungen, fenster, klang,      prozesse,
+            starter, automation, symbol,    rechner, datenbanken};
+}
+
+}  // namespace wendel

@@ -1,0 +1,421 @@
+#pragma once
+// Stand-ins for every port, for tests of the logic. Each keeps a list of what was asked, can be told to fail,
+// and has hooks through which a test does something at that very moment (a tick inside a message box, a slow
+// statement). FakePorts holds one of each on one common journal of calls; time stands still unless a test
+// moves it.
+
+#include <array>
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+#include "platform/Fehler.h"
+#include "platform/Ports.h"
+
+namespace wendel {
+
+// The kinds of calls that an idle program must not make; openings and statements count as Datenbank.
+enum class Portart {
+    Uhr,
+    Dateisystem,
+    Meldungen,
+    Fenstersystem,
+    Klang,
+    Prozesse,
+    Dateistarter,
+    Automation,
+    TaskleistenSymbol,
+    Rechner,
+    Datenbank,
+};
+inline constexpr std::size_t kPortarten = 11;
+
+// The common journal: numbers of calls by kind and, while mitschreiben is set, one line per call in their
+// order, "Fenstersystem.zeigen(7)". Clock readings are only counted.
+class Aufrufe {
+  public:
+    bool mitschreiben = true;
+    std::vector<std::string> zeilen;
+
+    void zaehle(Portart art) { ++anzahl_[static_cast<std::size_t>(art)]; }
+    void notiere(Portart art, std::string_view vorgang, std::string_view argumente = {});
+
+    std::int64_t anzahl(Portart art) const { return anzahl_[static_cast<std::size_t>(art)]; }
+    // All calls but those to the clock.
+    std::int64_t anzahlOhneUhr() const;
+    void leeren();
+
+  private:
+    std::array<std::int64_t, kPortarten> anzahl_{};
+};
+
+// Base of the fakes: writes into the common journal, or into its own when it stands alone.
+class FakeBasis {
+  public:
+    explicit FakeBasis(Aufrufe* gemeinsam) : aufrufe_(gemeinsam ? gemeinsam : &eigene_) {}
+    FakeBasis(const FakeBasis&) = delete;
+    FakeBasis& operator=(const FakeBasis&) = delete;
+    Aufrufe& aufrufe() { return *aufrufe_; }
+
+  private:
+    Aufrufe eigene_;
+    Aufrufe* aufrufe_;
+};
+
+// Begins on 24 December 2012, 20:00:00.
+class FakeUhr : public FakeBasis, public Uhr {
+  public:
+    explicit FakeUhr(Aufrufe* gemeinsam = nullptr) : FakeBasis(gemeinsam) {}
+
+    // A clock step: wall-clock time jumps, the running time does not notice.
+    void stelle(Datum wanduhr) { wanduhrMs_ = wanduhr.sekunden() * 1000; }
+    // Both go on; a suspended machine is a large step.
+    void vor(std::int64_t sekunden) { vorMs(sekunden * 1000); }
+    void vorMs(std::int64_t ms);
+
+    std::vector<int> schlafdauern;  // every schlafe(), in ms
+    int nachrichtenlaeufe = 0;
+    std::function<void(int ms)> beimSchlafen;
+    std::function<void()> beiNachrichten;
+
+    Datum jetzt() override;
+    std::int64_t laufzeitMs() override;
+    void schlafe(int ms) override;
+    void nachrichtenVerarbeiten() override;
+
+  private:
+    std::int64_t wanduhrMs_ = 41267LL * 86400000 + 20LL * 3600000;
+    std::int64_t laufzeitMs_ = 1000;
+};
+
+// Thrown by a simulated kill. No std::exception, so that no handler for errors takes it for one.
+struct Absturz {};
+
+// Files in memory. A path is absolute when it begins with "\" or a drive letter, else it counts from the
+// current folder; "/" and doubled separators are accepted. Folders must exist for their files to be written.
+class FakeDateisystem : public FakeBasis, public Dateisystem {
+  public:
+    // What a kill leaves of the write it hits: nothing, its first half, all of it. A replacing write and the
+    // other single steps are done or not done, never half.
+    enum class Rest { Nichts, Haelfte, Alles };
+
+    explicit FakeDateisystem(Aufrufe* gemeinsam = nullptr) : FakeBasis(gemeinsam) {}
+
+    // For setting up and looking: not counted, never failing.
+    void lege(const std::string& pfad, std::string inhalt);  // makes the folders too
+    void legeOrdner(const std::string& pfad);
+    void entferne(const std::string& pfad);
+    std::optional<std::string> inhalt(const std::string& pfad) const;  // exact case
+    std::vector<std::string> dateien() const;                          // absolute paths in order
+    bool hatOrdner(const std::string& pfad) const;
+    const std::string& aktuellerOrdner() const { return aktuell_; }  // ends in "\"
+
+    // The n-th write from now (1 is the next) fails, with half of it done when teilweise is set.
+    void scheitereBeimSchreiben(int n, bool teilweise = false);
+    // The n-th durable operation from now throws Absturz; afterwards nothing works any more, as in a dead
+    // process, until neustart().
+    void stuerzeAbBei(int n, Rest rest = Rest::Nichts);
+    void neustart();
+    bool abgestuerzt() const { return tot_; }
+    // Asked first by every operation with its name and the path as given; true makes it fail.
+    std::function<bool(const std::string& vorgang, const std::string& pfad)> scheitert;
+    // Exact paths whose content cannot be changed.
+    std::set<std::string> nurLesen;
+    // Durable operations so far: for running the same scene once for each of them.
+    int dauerhafteVorgaenge = 0;
+
+    bool existiert(const std::string& pfad) override;
+    std::optional<std::uint64_t> groesse(const std::string& pfad) override;
+    std::optional<std::string> lesen(const std::string& pfad) override;
+    [[nodiscard]] bool anlegen(const std::string& pfad) override;
+    [[nodiscard]] bool ueberschreibenAmAnfang(const std::string& pfad, std::string_view inhalt) override;
+    [[nodiscard]] bool schreiben(const std::string& pfad, std::string_view inhalt) override;
+    [[nodiscard]] bool ersetzen(const std::string& pfad, std::string_view inhalt) override;
+    [[nodiscard]] bool anhaengen(const std::string& pfad, std::string_view inhalt) override;
+    [[nodiscard]] bool loeschen(const std::string& pfad) override;
+    [[nodiscard]] bool umbenennen(const std::string& von, const std::string& nach) override;
+    [[nodiscard]] bool ordnerAnlegen(const std::string& pfad) override;
+    [[nodiscard]] bool ordnerWechseln(const std::string& pfad) override;
+    std::string pfadAnzeige(const std::string& pfad) override { return pfad; }
+
+  private:
+    // How far a durable operation may go.
+    enum class Umfang { Ganz, Halb, GarNicht };
+    struct Erlaubnis {
+        Umfang umfang = Umfang::Ganz;
+        bool danachAbsturz = false;
+    };
+    bool vorgang(std::string_view name, const std::string& pfad);
+    Erlaubnis dauerhaft();
+    bool abschluss(const Erlaubnis& erlaubnis);
+    bool schreibe(std::string_view name, const std::string& pfad, bool teilbar,
+                  const std::function<void(std::string& datei, std::string_view teil)>& tue,
+                  std::string_view inhalt);
+    std::string absolut(const std::string& pfad) const;
+    std::string ordnerpfad(const std::string& pfad) const;
+    const std::string* finde(const std::string& pfad) const;
+
+    std::map<std::string, std::string> dateien_;
+    std::set<std::string> ordner_ = {"\\"};
+    std::string aktuell_ = "\\";
+    int schreibfehlerIn_ = 0;
+    bool schreibfehlerTeilweise_ = false;
+    int absturzIn_ = 0;
+    Rest rest_ = Rest::Nichts;
+    bool tot_ = false;
+};
+
+class FakeMeldungen : public FakeBasis, public Meldungen {
+  public:
+    struct Kasten {
+        std::string text;
+        int stil = 0;
+        std::string titel;
+        friend bool operator==(const Kasten&, const Kasten&) = default;
+    };
+    struct Fehleranzeige {
+        std::string text;
+        int nummer = 0;
+        std::string quelle, beschreibung, titel;
+        friend bool operator==(const Fehleranzeige&, const Fehleranzeige&) = default;
+    };
+
+    explicit FakeMeldungen(Aufrufe* gemeinsam = nullptr) : FakeBasis(gemeinsam) {}
+
+    // Answers in their order; after the last one every box is declined: cancel, no, or plain OK.
+    std::deque<Antwort> antworten;
+    std::vector<Kasten> gezeigt;
+    std::vector<Fehleranzeige> fehleranzeigen;
+    // Runs while the box is open, before its answer is taken.
+    std::function<void(const Kasten&)> imKasten;
+
+    Antwort meldung(const std::string& text, int stil, const std::string& titel) override;
+    void zeigeFehlerOhneWarten(const std::string& text, int nummer, const std::string& quelle,
+                               const std::string& beschreibung, const std::string& titel) override;
+};
+
+class FakeFenstersystem : public FakeBasis, public Fenstersystem {
+  public:
+    struct Fenster {
+        std::string titel;
+        std::uint64_t thread = 1;
+        bool minimiert = false;
+        bool sichtbar = false;
+    };
+
+    explicit FakeFenstersystem(Aufrufe* gemeinsam = nullptr) : FakeBasis(gemeinsam) {}
+
+    std::map<Fensterhandle, Fenster> fenster;
+    Fensterhandle vordergrund = 0;
+    bool vordergrundErlaubt = true;
+    Arbeitsbereich bereich{0, 0, 1920, 1040};
+    bool sanduhrAn = false;
+    std::vector<std::string> aktivierteTitel;  // as asked, found or not
+
+    Arbeitsbereich arbeitsbereich() override;
+    Fensterhandle vordergrundfenster() override;
+    std::uint64_t fensterThread(Fensterhandle handle) override;
+    void eingabeVerbinden(std::uint64_t vonThread, std::uint64_t zuThread, bool verbinden) override;
+    bool vordergrundSetzen(Fensterhandle handle) override;
+    bool istMinimiert(Fensterhandle handle) override;
+    void wiederherstellen(Fensterhandle handle) override;
+    void zeigen(Fensterhandle handle) override;
+    bool aktivierenNachTitel(const std::string& titel) override;
+    void sanduhr(bool an) override;
+};
+
+class FakeKlang : public FakeBasis, public Klang {
+  public:
+    explicit FakeKlang(Aufrufe* gemeinsam = nullptr) : FakeBasis(gemeinsam) {}
+    int geraete = 1;
+    std::vector<std::string> gespielt;
+
+    int ausgabegeraete() override;
+    void spieleAsynchron(const std::string& pfad) override;
+};
+
+class FakeProzesse : public FakeBasis, public Prozesse {
+  public:
+    explicit FakeProzesse(Aufrufe* gemeinsam = nullptr) : FakeBasis(gemeinsam) {}
+    std::vector<Prozess> laufende;
+    int plattform = 2;
+    std::set<std::uint32_t> unbeendbar;
+    std::vector<std::uint32_t> beendet;  // successful ends; the process leaves laufende
+    std::uint32_t eigene = 4711;         // the calling process, never ended
+
+    std::vector<Prozess> liste() override;
+    [[nodiscard]] bool beenden(std::uint32_t id) override;
+    int plattformkennung() override { return plattform; }
+};
+
+class FakeStarter : public FakeBasis, public Dateistarter {
+  public:
+    struct Start {
+        std::string datei, parameter, ordner;
+        int fensterstil = 0;
+        friend bool operator==(const Start&, const Start&) = default;
+    };
+    explicit FakeStarter(Aufrufe* gemeinsam = nullptr) : FakeBasis(gemeinsam) {}
+    int ergebnis = 33;
+    std::vector<Start> gestartet;
+    std::function<void(const Start&)> beimStart;
+
+    int ausfuehren(const std::string& datei, const std::string& parameter, const std::string& ordner,
+                   int fensterstil) override;
+};
+
+class FakeAutomation : public FakeBasis, public Automation {
+  public:
+    struct Ruf {
+        std::string klasse, text;
+        friend bool operator==(const Ruf&, const Ruf&) = default;
+    };
+    struct Wartemeldung {
+        std::string titel, text;
+        int zeitMs = 0;
+        friend bool operator==(const Wartemeldung&, const Wartemeldung&) = default;
+    };
+    explicit FakeAutomation(Aufrufe* gemeinsam = nullptr) : FakeBasis(gemeinsam) {}
+    bool erfolg = true;
+    std::vector<Ruf> rufe;
+    std::optional<Wartemeldung> wartemeldung;
+    std::function<void(const Ruf&)> beimRuf;
+
+    [[nodiscard]] bool rufeDoThis(const std::string& klasse, const std::string& text) override;
+    void setzeWartemeldung(const std::string& titel, const std::string& text, int zeitMs) override;
+};
+
+// Keeps the records as they came and reads them back: identifier at byte 8, tooltip (Windows-1252) from
+// byte 24.
+class FakeSymbol : public FakeBasis, public TaskleistenSymbol {
+  public:
+    using Datensatz = std::array<std::uint8_t, 88>;
+    explicit FakeSymbol(Aufrufe* gemeinsam = nullptr) : FakeBasis(gemeinsam) {}
+
+    std::map<std::uint32_t, Datensatz> symbole;  // what the tray shows now
+    std::vector<Datensatz> datensaetze;          // all that were added or changed
+    // Tooltip of the last record, "" when there was none.
+    std::string tooltip() const;
+
+    void hinzufuegen(std::span<const std::uint8_t, 88> datensatz) override;
+    void aendern(std::span<const std::uint8_t, 88> datensatz) override;
+    void entfernen(std::uint32_t kennung) override;
+
+  private:
+    void merke(std::span<const std::uint8_t, 88> datensatz);
+};
+
+class FakeRechner : public FakeBasis, public Rechner {
+  public:
+    explicit FakeRechner(Aufrufe* gemeinsam = nullptr) : FakeBasis(gemeinsam) {}
+    std::string name = "PC-BUERO";
+    bool nameBekannt = true;
+    std::int32_t speicher = 123456789;
+    std::deque<double> zufallszahlen;  // in their order, afterwards 0.5
+
+    [[nodiscard]] bool rechnername(std::string& puffer) override;
+    std::int32_t freierSpeicher() override;
+    double zufall() override;
+};
+
+// ---- the database engine ----
+
+struct FakeTabelle {
+    std::vector<std::string> spalten;
+    std::vector<std::vector<Variant>> zeilen;
+};
+using FakeAntwort = std::variant<FakeTabelle, Fehler>;
+
+// What reached the engine, in order: art is the operation's name in lower camel case ("openDatabase",
+// "openRecordset", "execute", "update", "repairDatabase", "compactDatabase", "closeDatabase",
+// "closeRecordset"). text holds the statement or the path.
+struct FakeVorgang {
+    std::string art, text;
+    std::optional<int> typ, optionen;
+    friend bool operator==(const FakeVorgang&, const FakeVorgang&) = default;
+};
+
+// The script and the records of a fake engine. It outlives its databases and recordsets through shared
+// ownership.
+struct FakeDatenbankzustand {
+    Aufrufe* aufrufe = nullptr;
+
+    // Asked first for each statement; nothing means: go on with the tables below.
+    std::function<std::optional<FakeAntwort>(const std::string& sql)> dynamisch;
+    // Failures that the next openRecordset/execute/update calls meet, in their order, whatever the statement;
+    // number 0 lets that call pass.
+    std::deque<int> naechsteFehler;
+    std::string fehlertext = "Gesperrt.";
+    // Answers by statement text, exact. Statements to execute need none.
+    std::map<std::string, FakeAntwort> antworten;
+    // May throw a Fehler; runs before the operation.
+    std::function<void(const std::string& pfad)> beimOeffnen;
+    std::function<void(const std::string& pfad)> beimReparieren;
+    std::function<void(const std::string& quelle, const std::string& ziel)> beimKomprimieren;
+    // Runs before each statement and update: the place to let time pass.
+    std::function<void(const std::string& sql)> vorAnweisung;
+    // Added to the open recordsets of each database: recordsets of somebody else.
+    int fremdeRecordsets = 0;
+
+    bool mitschreiben = true;
+    std::vector<FakeVorgang> vorgaenge;
+    std::vector<std::map<std::string, Variant>> gespeichert;  // rows that update() saved, by column
+    int geoeffnet = 0, geschlossen = 0;                       // databases
+    int recordsetsGeoeffnet = 0, recordsetsGeschlossen = 0;
+
+    int offen() const { return geoeffnet - geschlossen; }
+    int recordsetsOffen() const { return recordsetsGeoeffnet - recordsetsGeschlossen; }
+    // Statement texts alone, of openRecordset and execute.
+    std::vector<std::string> anweisungen() const;
+    std::vector<std::string> anweisungen(std::string_view art) const;
+};
+
+class FakeDatenbankmaschinen : public FakeBasis, public Datenbankmaschinen {
+  public:
+    explicit FakeDatenbankmaschinen(Aufrufe* gemeinsam = nullptr);
+
+    // The script; also the access to the records.
+    FakeDatenbankzustand& operator*() { return *zustand_; }
+    FakeDatenbankzustand* operator->() { return zustand_.get(); }
+
+    bool direktVorhanden = true;
+    std::set<std::string> kennungenVorhanden;  // of those, nachProgrammkennung makes an engine
+    std::vector<std::string> versuche;         // "" for direkt(), else the identifier, in order
+
+    std::unique_ptr<Datenbankmaschine> direkt() override;
+    std::unique_ptr<Datenbankmaschine> nachProgrammkennung(const std::string& kennung) override;
+
+  private:
+    std::unique_ptr<Datenbankmaschine> maschine(const std::string& kennung, bool vorhanden);
+    std::shared_ptr<FakeDatenbankzustand> zustand_;
+};
+
+// One of each on one journal. The folder "\suite\" exists and is current.
+struct FakePorts {
+    FakePorts();
+    Ports ports();
+
+    Aufrufe aufrufe;
+    FakeUhr uhr{&aufrufe};
+    FakeDateisystem dateien{&aufrufe};
+    FakeMeldungen meldungen{&aufrufe};
+    FakeFenstersystem fenster{&aufrufe};
+    FakeKlang klang{&aufrufe};
+    FakeProzesse prozesse{&aufrufe};
+    FakeStarter starter{&aufrufe};
+    FakeAutomation automation{&aufrufe};
+    FakeSymbol symbol{&aufrufe};
+    FakeRechner rechner{&aufrufe};
+    FakeDatenbankmaschinen datenbanken{&aufrufe};
+};
+inline constexpr const char* kTestordner = "\\suite\\";
+
+}  // namespace wendel
