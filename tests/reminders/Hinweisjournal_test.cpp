@@ -1,0 +1,254 @@
+// The journal of shown notices: its file to the letter, damaged files, what is kept for how long, and kills
+// at each write.
+
+#include "reminders/Hinweisjournal.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "reminders/Zeitpunkt.h"
+#include "support/Fakes.h"
+
+namespace wendel {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+const std::string kDatei = "\\suite\\hinweise.txt";
+const std::string kDefekt = "\\suite\\hinweise.txt.defekt";
+
+TerminZeiger termin(const std::string& weckZeit, const std::string& text,
+                    Terminart art = Terminart::Erinnerung) {
+    auto neu = std::make_shared<cTermin>();
+    neu->WeckZeit = zeit(weckZeit);
+    neu->WeckText = text;
+    neu->Aktiv = true;
+    neu->Art = art;
+    return neu;
+}
+
+class Journal : public ::testing::Test {
+  protected:
+    Journal() { dateien.legeOrdner(kTestordner); }
+
+    std::vector<std::string> offeneTexte() {
+        std::vector<std::string> texte;
+        for (const Hinweisschluessel& einer : journal.offene())
+            texte.push_back(einer.text);
+        return texte;
+    }
+
+    FakeDateisystem dateien;
+    Hinweisjournal journal{dateien, kTestordner};
+};
+
+TEST_F(Journal, WritesOneLineForEachEntry) {
+    const TerminZeiger a = termin("2012-12-24 20:15:03", "a\\b\tc\r\nd", Terminart::Eigener);
+    const TerminZeiger b = termin("2012-12-24 20:15", "20:15 Süßer Schnee (ZDF)");
+    EXPECT_TRUE(journal.eintragen({a, b}, zeit("2012-12-24 20:15:03")));
+    EXPECT_EQ(dateien.inhalt(kDatei),
+              "20121224201503\t0\toffen\ta\\\\b\\tc\\r\\nd\n"
+              "20121224201500\t1\toffen\t20:15 Süßer Schnee (ZDF)\n");
+    EXPECT_TRUE(journal.beantworten({hinweisschluessel(*a)}));
+    EXPECT_EQ(dateien.inhalt(kDatei),
+              "20121224201503\t0\tbeantwortet\ta\\\\b\\tc\\r\\nd\n"
+              "20121224201500\t1\toffen\t20:15 Süßer Schnee (ZDF)\n");
+}
+
+TEST_F(Journal, KnowsAfterARestartWhatWasShownAndWhatIsOpen) {
+    dateien.lege(kDatei,
+                 "20121224201503\t0\toffen\ta\\\\b\\tc\\r\\nd\n"
+                 "20121224201000\t1\tbeantwortet\tB\n"
+                 "20121224201000\t2\toffen\t");
+    journal.lesen();
+    EXPECT_THAT(offeneTexte(), ElementsAre("a\\b\tc\r\nd", ""));
+    const Terminliste wieder = termineAusSchluesseln(journal.offene());
+    EXPECT_EQ(alsZeit(wieder.at(0)->WeckZeit), "2012-12-24 20:15:03");
+    EXPECT_EQ(wieder.at(1)->Art, Terminart::Aufzeichnung);
+    EXPECT_TRUE(journal.kennt(*termin("2012-12-24 20:10", "B")));
+    EXPECT_FALSE(journal.kennt(*termin("2012-12-24 20:11", "B")));
+    EXPECT_FALSE(journal.kennt(*termin("2012-12-24 20:10", "b")));
+    EXPECT_FALSE(journal.kennt(*termin("2012-12-24 20:10", "B", Terminart::Eigener)));
+}
+
+TEST_F(Journal, KnowsAnAppointmentThatTheSettingsFileCouldNotSpell) {
+    EXPECT_TRUE(journal.eintragen({termin("2012-12-24 20:15", "Dvořák", Terminart::Eigener)},
+                                  zeit("2012-12-24 20:15")));
+    EXPECT_TRUE(journal.kennt(*termin("2012-12-24 20:15", "Dvo?ák", Terminart::Eigener)));
+}
+
+TEST_F(Journal, PassesOverLinesItCannotRead) {
+    const char* zeilen[] = {
+        "",
+        "nonsense",
+        "2012122420150\t1\toffen\tX",
+        "20121324201500\t1\toffen\tX",
+        "20120230201500\t1\toffen\tX",
+        "00501224201500\t1\toffen\tX",
+        "20121224241500\t1\toffen\tX",
+        "20121224206000\t1\toffen\tX",
+        "20121224201560\t1\toffen\tX",
+        "2012122420150x\t1\toffen\tX",
+        "20121224201500\t3\toffen\tX",
+        "20121224201500\t\toffen\tX",
+        "20121224201500\t1\tOffen\tX",
+        "20121224201500\t1\toffen",
+        "20121224201500\t1\toffen\tX\tY",
+        "20121224201500\t1\toffen\tX\\",
+        "20121224201500\t1\toffen\tX\\q",
+        "20121224201500\t1\toffen\tX\xC3",
+    };
+    for (const char* zeile : zeilen) {
+        SCOPED_TRACE(zeile);
+        dateien.lege(kDatei, std::string(zeile) + "\n20121224201500\t1\toffen\tGut\n");
+        journal.lesen();
+        EXPECT_THAT(offeneTexte(), ElementsAre("Gut"));
+        EXPECT_FALSE(dateien.inhalt(kDefekt));
+    }
+}
+
+TEST_F(Journal, KeepsAFileWithoutAReadableLineAside) {
+    dateien.lege(kDefekt, "older");
+    dateien.lege(kDatei, std::string("\0\xFF garbage", 10));
+    journal.lesen();
+    EXPECT_THAT(journal.offene(), IsEmpty());
+    EXPECT_EQ(dateien.inhalt(kDefekt), std::string("\0\xFF garbage", 10));
+    EXPECT_FALSE(dateien.inhalt(kDatei));
+
+    dateien.lege(kDatei, "");
+    journal.lesen();
+    EXPECT_EQ(dateien.inhalt(kDefekt), std::string("\0\xFF garbage", 10)) << "an empty file is no loss";
+}
+
+TEST_F(Journal, SurvivesEveryByteCutOffOrFlipped) {
+    const std::string inhalt = "20121224201503\t0\toffen\tEins\\r\\n\n20121224201000\t1\tbeantwortet\tZwei\n";
+    const TerminZeiger erste = termin("2012-12-24 20:15:03", "Eins\r\n", Terminart::Eigener);
+    const TerminZeiger zweite = termin("2012-12-24 20:10", "Zwei");
+    for (std::size_t laenge = 0; laenge < inhalt.size(); ++laenge) {
+        SCOPED_TRACE(laenge);
+        dateien.lege(kDatei, inhalt.substr(0, laenge));
+        journal.lesen();
+        EXPECT_EQ(journal.kennt(*erste), laenge >= inhalt.find('\n'));
+    }
+    for (std::size_t stelle = 0; stelle < inhalt.find('\n'); ++stelle) {
+        SCOPED_TRACE(stelle);
+        std::string gekippt = inhalt;
+        gekippt[stelle] = static_cast<char>(gekippt[stelle] ^ 0x81);
+        dateien.lege(kDatei, gekippt);
+        journal.lesen();
+        EXPECT_FALSE(journal.kennt(*erste));
+        EXPECT_TRUE(journal.kennt(*zweite));
+    }
+}
+
+TEST_F(Journal, ForgetsAnsweredEntriesAfterTwoDays) {
+    struct Fall {
+        const char* name;
+        bool beantwortet;
+        const char* sendungsbeginn;  // null: none
+        const char* jetzt;
+        bool bekannt;
+    };
+    const Fall faelle[] = {
+        {"two days old", true, nullptr, "2012-12-26 20:15:00", true},
+        {"a second older", true, nullptr, "2012-12-26 20:15:01", false},
+        {"older but never answered", false, nullptr, "2013-01-26 20:15:00", true},
+        {"its broadcast comes days later, so the mark is read again", true, "2012-12-31 20:15",
+         "2013-01-02 20:15", true},
+        {"two days after that broadcast", true, "2012-12-31 20:15", "2013-01-02 20:15:01", false},
+        {"a clock set back", true, nullptr, "2012-12-20 20:15", true},
+    };
+    for (const Fall& fall : faelle) {
+        SCOPED_TRACE(fall.name);
+        Hinweisjournal neues(dateien, kTestordner);
+        const TerminZeiger alter = termin("2012-12-24 20:15", "Alt");
+        if (fall.sendungsbeginn) alter->Sendungsbeginn = zeit(fall.sendungsbeginn);
+        EXPECT_TRUE(neues.eintragen({alter}, zeit("2012-12-24 20:15")));
+        if (fall.beantwortet) {
+            EXPECT_TRUE(neues.beantworten({hinweisschluessel(*alter)}));
+        }
+        EXPECT_TRUE(neues.eintragen({termin(fall.jetzt, "Neu")}, zeit(fall.jetzt)));
+        EXPECT_EQ(neues.kennt(*alter), fall.bekannt);
+        EXPECT_TRUE(neues.kennt(*termin(fall.jetzt, "Neu")));
+    }
+}
+
+TEST_F(Journal, KeepsAnOldEntryWhoseMarkHasBeenReadAgainSinceTheStart) {
+    dateien.lege(kDatei, "20121220201500\t1\tbeantwortet\tSerie\n20121220201500\t1\tbeantwortet\tFort\n");
+    journal.lesen();
+    const TerminZeiger verpasst = termin("2012-12-20 20:15", "Serie");
+    verpasst->Sendungsbeginn = zeit("2012-12-24 23:00");
+    EXPECT_TRUE(journal.kennt(*verpasst));
+    EXPECT_TRUE(journal.eintragen({termin("2012-12-24 20:15", "Neu")}, zeit("2012-12-24 20:15")));
+    EXPECT_EQ(dateien.inhalt(kDatei),
+              "20121220201500\t1\tbeantwortet\tSerie\n20121224201500\t1\toffen\tNeu\n");
+}
+
+TEST_F(Journal, HoldsWhatItCouldNotWrite) {
+    const TerminZeiger a = termin("2012-12-24 20:15", "A");
+    dateien.scheitereBeimSchreiben(1);
+    EXPECT_FALSE(journal.eintragen({a}, zeit("2012-12-24 20:15")));
+    EXPECT_TRUE(journal.kennt(*a));
+    EXPECT_TRUE(journal.nachschreiben());
+    EXPECT_EQ(dateien.inhalt(kDatei), "20121224201500\t1\toffen\tA\n");
+    const int vorher = dateien.dauerhafteVorgaenge;
+    EXPECT_TRUE(journal.nachschreiben());
+    EXPECT_TRUE(journal.beantworten({hinweisschluessel(*termin("2012-12-24 20:15", "B"))}));
+    EXPECT_EQ(dateien.dauerhafteVorgaenge, vorher) << "nothing to write";
+}
+
+// Shown A, answered A, shown B and C: after a kill at any write the file is the one before or the one after
+// it.
+TEST_F(Journal, IsWholeAfterAKillAtAnyWrite) {
+    const TerminZeiger a = termin("2012-12-24 20:15", "A"), b = termin("2012-12-24 20:20", "B");
+    const TerminZeiger c = termin("2012-12-24 20:20", "C");
+    const auto szene = [&](Hinweisjournal& j) {
+        static_cast<void>(j.eintragen({a}, zeit("2012-12-24 20:15")));
+        static_cast<void>(j.beantworten({hinweisschluessel(*a)}));
+        static_cast<void>(j.eintragen({b, c}, zeit("2012-12-24 20:20")));
+    };
+    const std::vector<std::vector<std::string>> offen = {{}, {"A"}, {}, {"B", "C"}};
+    using Rest = FakeDateisystem::Rest;
+    for (int n = 1; n <= 3; ++n) {
+        for (const Rest rest : {Rest::Nichts, Rest::Haelfte, Rest::Alles}) {
+            SCOPED_TRACE("kill at write " + std::to_string(n) + ", rest " +
+                         std::to_string(static_cast<int>(rest)));
+            dateien.entferne(kDatei);
+            Hinweisjournal getoetet(dateien, kTestordner);
+            dateien.stuerzeAbBei(n, rest);
+            EXPECT_THROW(szene(getoetet), Absturz);
+            dateien.neustart();
+            journal.lesen();
+            // A replacing write that was halfway done has not replaced anything.
+            EXPECT_EQ(offeneTexte(), offen[static_cast<std::size_t>(rest == Rest::Alles ? n : n - 1)]);
+            EXPECT_FALSE(dateien.inhalt(kDefekt));
+        }
+    }
+}
+
+TEST_F(Journal, MovesOnLoadedAppointmentsThatWereShownBeforeTheCrash) {
+    const auto eigener = [](const char* text, std::int16_t intervallwert) {
+        const TerminZeiger neu = termin("2012-12-24 20:15", text, Terminart::Eigener);
+        neu->Intervall = intervallwert;
+        return neu;
+    };
+    EXPECT_TRUE(journal.eintragen({eigener("einmal", 0), eigener("taeglich", 1)}, zeit("2012-12-24 20:15")));
+
+    const Terminliste geladen = {eigener("einmal", 0), eigener("taeglich", 1), eigener("anderer", 0)};
+    EXPECT_TRUE(gezeigteWeiterstellen(geladen, journal, zeit("2012-12-24 20:16")));
+    EXPECT_FALSE(geladen[0]->Aktiv);
+    EXPECT_EQ(alsZeit(geladen[1]->WeckZeit), "2012-12-25 20:15:00");
+    EXPECT_TRUE(geladen[2]->Aktiv);
+    EXPECT_FALSE(gezeigteWeiterstellen(geladen, journal, zeit("2012-12-24 20:16"))) << "done once";
+
+    // Stored as fired, then the clock is set back before its moment: it must stay done.
+    const Terminliste gefeuert = {eigener("einmal", 0)};
+    gefeuert[0]->Aktiv = false;
+    EXPECT_FALSE(gezeigteWeiterstellen(gefeuert, journal, zeit("2012-12-24 20:00")));
+    nachholen(gefeuert, zeit("2012-12-24 20:00"));
+    EXPECT_FALSE(gefeuert[0]->Aktiv);
+}
+
+}  // namespace
+}  // namespace wendel
