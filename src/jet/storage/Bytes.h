@@ -1,0 +1,41 @@
+#pragma once
+// Integers in pages and keys: little-endian in pages, big-endian in index entries. The callers check bounds
+// before; these functions only copy.
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+namespace wendel::jet {
+
+inline std::uint16_t loadU16(const std::uint8_t* p) { return static_cast<std::uint16_t>(p[0] | p[1] << 8); }
+
+inline std::uint32_t loadU24(const std::uint8_t* p) {
+    return static_cast<std::uint32_t>(p[0]) | static_cast<std::uint32_t>(p[1]) << 8 |
+           static_cast<std::uint32_t>(p[2]) << 16;
+}
+
+inline std::uint32_t loadU32(const std::uint8_t* p) {
+    return loadU24(p) | static_cast<std::uint32_t>(p[3]) << 24;
+}
+
+inline std::uint64_t loadU64(const std::uint8_t* p) {
+    return static_cast<std::uint64_t>(loadU32(p)) | static_cast<std::uint64_t>(loadU32(p + 4)) << 32;
+}
+
+inline std::uint32_t loadU24Big(const std::uint8_t* p) {
+    return static_cast<std::uint32_t>(p[0]) << 16 | static_cast<std::uint32_t>(p[1]) << 8 |
+           static_cast<std::uint32_t>(p[2]);
+}
+
+inline std::uint32_t loadU32Big(const std::uint8_t* p) {
+    return loadU24Big(p) << 8 | static_cast<std::uint32_t>(p[3]);
+}
+
+// Appends the low `bytes` bytes of the value, most significant first.
+inline void appendBig(std::string& out, std::uint64_t value, unsigned bytes) {
+    for (unsigned i = bytes; i-- > 0;)
+        out.push_back(static_cast<char>(value >> (8 * i) & 0xFF));
+}
+
+}  // namespace wendel::jet

@@ -1,0 +1,53 @@
+#pragma once
+// The tables of a database file by name, and their definitions. One Database is one open file as the SQL
+// layer sees it: call refresh() at the start of each statement, then take tables; definitions that are still
+// held stay valid as objects, though the file may have moved on.
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "jet/storage/File.h"
+#include "jet/storage/TableDef.h"
+
+namespace wendel::jet {
+
+struct CatalogEntry {
+    std::string name;
+    std::uint32_t page = 0;  // of the definition
+    bool system = false;
+};
+
+class Database {
+  public:
+    // Throws as File does, and Fehler 3049 when the catalog is damaged.
+    Database(const std::string& path, Access access, std::size_t cacheBytes = File::kDefaultCacheBytes);
+
+    File& file() { return file_; }
+
+    // Notices changes of the file by other processes; true when the catalog and all definitions were dropped.
+    bool refresh();
+
+    // Local tables, system tables included, in the order of the catalog. Linked tables and queries are not
+    // here.
+    const std::vector<CatalogEntry>& entries() const { return entries_; }
+
+    // The definition by name without regard to case; nullptr when there is no such table. Throws Fehler 3049
+    // when the definition is damaged.
+    std::shared_ptr<const TableDef> table(std::string_view name);
+
+  private:
+    void readCatalog();
+
+    File file_;
+    std::vector<CatalogEntry> entries_;
+    std::map<std::string, std::size_t> byFoldedName_;
+    std::map<std::uint32_t, std::shared_ptr<const TableDef>> definitions_;
+    bool stale_ = false;
+};
+
+}  // namespace wendel::jet

@@ -1,0 +1,252 @@
+// Files that are not what they should be: refused or read as far as they go, never changed.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <functional>
+#include <random>
+#include <string>
+
+#include "jet/storage/Bytes.h"
+#include "jet/storage/Rc4.h"
+#include "jet/storage/ReadEverything.h"
+#include "jet/storage/TestFiles.h"
+#include "jet/storage/UsageMap.h"
+
+namespace wendel::jet {
+namespace {
+
+// The error number of the action, 0 when it succeeds.
+int errorOf(const std::function<void()>& action) {
+    try {
+        action();
+    } catch (const Fehler& e) {
+        EXPECT_FALSE(e.beschreibung().empty());
+        return e.nummer();
+    }
+    return 0;
+}
+
+int openError(const std::string& path) {
+    return errorOf([&] { Database database(path, Access::kReadWrite); });
+}
+
+void put(std::string& bytes, std::size_t at, std::uint32_t value, unsigned size) {
+    for (unsigned i = 0; i < size; ++i)
+        bytes[at + i] = static_cast<char>(value >> (8 * i) & 0xFF);
+}
+
+TEST(Rc4, GivesTheKnownStreamOfTheHeaderMask) {
+    std::string zeros(16, '\0');
+    const std::uint8_t key[] = {0xC7, 0xDA, 0x39, 0x6B};
+    rc4(key, {reinterpret_cast<std::uint8_t*>(zeros.data()), zeros.size()});
+    EXPECT_EQ(test::hex(zeros), "b56f03626108c255eba96772433f009c");
+}
+
+TEST(OpenError, NamesWhatIsWrongWithThePath) {
+    const test::TemporaryCopy copy;
+    copy.write("x");
+    EXPECT_EQ(openError(copy.folder() + "/fehlt.mdb"), 3024);
+    EXPECT_EQ(openError("fehlt.mdb"), 3024);
+    EXPECT_EQ(openError(copy.folder() + "/fehlt/tvdaten.mdb"), 3044);
+    EXPECT_EQ(openError(copy.path() + "/tvdaten.mdb"), 3044);
+    EXPECT_EQ(openError(copy.folder()), 3051);
+    EXPECT_EQ(openError("/dev/null"), 3343);
+}
+
+class DamageTest : public testing::Test {
+  protected:
+    void SetUp() override {
+        if (!test::haveData()) GTEST_SKIP() << "no example files at " << test::dataPath("");
+        image_ = test::readFile(test::dataPath("tvdaten-klein.mdb"));
+    }
+    std::string image_;
+    test::TemporaryCopy copy_;
+};
+
+TEST_F(DamageTest, ForeignAndCutFilesAreRefused) {
+    const auto with = [this](std::size_t at, char value) {
+        std::string changed = image_;
+        changed[at] = value;
+        return changed;
+    };
+    const struct {
+        const char* name;
+        std::string content;
+        int number;
+    } rows[] = {
+        {"empty", "", 3343},
+        {"one byte", "x", 3343},
+        {"text", std::string(100000, 'x'), 3343},
+        {"zeros", std::string(1 << 16, '\0'), 3343},
+        {"other signature", with(5, 's'), 3343},
+        {".accdb of 2007", with(0x14, 2), 3343},
+        {"unknown version", with(0x14, 99), 3343},
+        {"header alone", image_.substr(0, 4096), 3343},
+        {"half a page too short", image_.substr(0, image_.size() - 2048), 3049},
+        {"without the catalog's rows", image_.substr(0, 5 * 4096), 3049},
+        {"Jet 4 read as Jet 3", with(0x14, 0), 3049},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        copy_.write(row.content);
+        EXPECT_EQ(openError(copy_.path()), row.number);
+    }
+}
+
+TEST_F(DamageTest, CirclesEndInAnError) {
+    Database sound(test::dataPath("tvdaten-klein.mdb"), Access::kReadOnly);
+    const auto sender = sound.table("Sender");
+    const std::uint32_t leaf = sender->indexes[0].root;
+    std::string looping = image_;
+    put(looping, leaf * 4096 + kJet4Layout.indexNext, leaf, 4);
+    put(looping, leaf * 4096 + kJet4Layout.indexPrevious, leaf, 4);
+    copy_.write(looping);
+    {
+        Database database(copy_.path(), Access::kReadOnly);
+        EXPECT_EQ(test::readEverything(database).damaged, 2u);  // one index, forwards and backwards
+    }
+    looping = image_;
+    put(looping, sender->page * 4096 + kDefinitionNext, sender->page, 4);
+    copy_.write(looping);
+    Database database(copy_.path(), Access::kReadOnly);
+    EXPECT_EQ(errorOf([&] { database.table("Sender"); }), 3049);
+    EXPECT_NE(database.table("Sendungen"), nullptr);
+}
+
+// A catalog entry can name any page.
+TEST_F(DamageTest, PagesOfOtherKindsAreNoDefinitions) {
+    File file(test::dataPath("tvdaten-klein.mdb"), Access::kReadOnly);
+    for (const std::uint32_t page : {0u, 1u, file.pageCount() - 1, file.pageCount(), 0xFFFFFFu}) {
+        SCOPED_TRACE(page);
+        EXPECT_EQ(errorOf([&] { loadTableDef(file, page, "x"); }), 3049);
+    }
+}
+
+TEST_F(DamageTest, MovedRowsThatPointInACircleEndInAnError) {
+    std::string bytes = test::readFile(test::dataPath("typen.mdb"));
+    Database sound(test::dataPath("typen.mdb"), Access::kReadOnly);
+    const auto table = sound.table("Ueberlauf");
+    std::size_t pointers = 0;
+    for (const std::uint32_t page : readUsageMap(sound.file(), table->ownedPages)) {
+        const std::size_t base = std::size_t{page} * 4096;
+        const auto* p = reinterpret_cast<const std::uint8_t*>(bytes.data()) + base;
+        for (unsigned slot = 0; slot < loadU16(p + kJet4Layout.dataSlotCount); ++slot) {
+            const std::uint16_t word = loadU16(p + kJet4Layout.dataSlots + 2 * slot);
+            if ((word & kSlotDeleted) != kSlotPointer) continue;
+            ++pointers;
+            put(bytes, base + (word & kSlotOffsetMask), page << 8 | slot, 4);
+        }
+    }
+    ASSERT_GT(pointers, 0u);
+    copy_.write(bytes);
+    Database database(copy_.path(), Access::kReadOnly);
+    TableScan scan(database.file(), *database.table("Ueberlauf"));
+    std::size_t failed = 0;
+    for (int n = 0; n < 200; ++n)
+        failed += errorOf([&] { scan.next(); }) == 3049 ? 1 : 0;
+    EXPECT_EQ(failed, pointers);
+}
+
+TEST_F(DamageTest, EncodedFilesAreReadAsTheOthers) {
+    constexpr std::uint32_t kKey = 0x1BADB002;
+    std::string encoded = image_;
+    const auto xorKey = [&encoded](std::size_t at) {
+        for (unsigned i = 0; i < 4; ++i)
+            encoded[at + i] = static_cast<char>(encoded[at + i] ^ (kKey >> (8 * i) & 0xFF));
+    };
+    xorKey(kHeaderPageKey);  // the header's mask is a XOR as well, so the key goes straight into it
+    for (std::uint32_t page = 1; page < encoded.size() / 4096; ++page) {
+        std::string key(4, '\0');
+        put(key, 0, kKey ^ page, 4);
+        rc4({reinterpret_cast<const std::uint8_t*>(key.data()), 4},
+            {reinterpret_cast<std::uint8_t*>(encoded.data()) + page * 4096, 4096});
+    }
+    copy_.write(encoded);
+    Database plain(test::dataPath("tvdaten-klein.mdb"), Access::kReadOnly);
+    Database database(copy_.path(), Access::kReadOnly);
+    EXPECT_TRUE(database.file().encoded());
+    const test::Found found = test::readEverything(database), expected = test::readEverything(plain);
+    EXPECT_EQ(found.damaged, 0u);
+    EXPECT_EQ(found.cells, expected.cells);
+    EXPECT_EQ(found.entries, expected.entries);
+}
+
+TEST_F(DamageTest, ReadingLeavesTheFolderAsItWas) {
+    copy_.write(image_);
+    std::filesystem::permissions(copy_.path(), std::filesystem::perms::owner_read);
+    std::filesystem::permissions(copy_.folder(),
+                                 std::filesystem::perms::owner_read | std::filesystem::perms::owner_exec);
+    const auto time = std::filesystem::last_write_time(copy_.path());
+    {
+        Database database(copy_.path(), Access::kReadWrite);
+        EXPECT_EQ(test::readEverything(database).damaged, 0u);
+    }
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(copy_.folder()), {}), 1);
+    EXPECT_EQ(std::filesystem::last_write_time(copy_.path()), time);
+    EXPECT_EQ(test::readFile(copy_.path()), image_);
+}
+
+TEST_F(DamageTest, ChangesByOthersAreSeenAfterRefresh) {
+    copy_.write(image_);
+    Database database(copy_.path(), Access::kReadOnly);
+    const auto firstName = [&] {
+        const auto table = database.table("Sender");
+        TableScan scan(database.file(), *table);
+        return scan.next() ? test::cellText(scan.row(), 0) : "";
+    };
+    EXPECT_EQ(firstName(), "Erstes Programm");
+    std::string changed = image_;
+    changed.replace(changed.find("Erstes Programm"), 6, "Achtes");
+    copy_.write(changed);
+    EXPECT_TRUE(database.refresh());
+    EXPECT_EQ(firstName(), "Achtes Programm");
+    // Another file in its place, as compacting leaves it; an unreadable one is told and asked for again.
+    const std::string beside = copy_.folder() + "/neu";
+    std::filesystem::rename(copy_.path(), beside);
+    EXPECT_FALSE(database.refresh());
+    EXPECT_EQ(firstName(), "Achtes Programm");
+    copy_.write("kein Jet");
+    EXPECT_EQ(errorOf([&] { database.refresh(); }), 3343);
+    EXPECT_EQ(errorOf([&] { database.refresh(); }), 3343);
+    copy_.write(image_);
+    EXPECT_TRUE(database.refresh());
+    EXPECT_EQ(firstName(), "Erstes Programm");
+    Database old(test::dataPath("tvdaten-klein.mdb"), Access::kReadOnly);
+    EXPECT_FALSE(old.refresh());
+}
+
+// Flipped bytes and cut ends: every file either reads or ends in one of the engine's errors.
+TEST_F(DamageTest, MutatedFilesNeverDoHarm) {
+    constexpr unsigned kSeed = 4711;
+    SCOPED_TRACE(kSeed);
+    std::mt19937 random(kSeed);
+    std::size_t refused = 0, damaged = 0;
+    for (const char* name : {"echte/adox_jet4.mdb", "echte/overflowV2000.mdb", "echte/common2V1997.mdb"}) {
+        const std::string original = test::readFile(test::dataPath(name));
+        for (int round = 0; round < 150; ++round) {
+            std::string bytes = original;
+            const std::size_t pageSize = bytes[0x14] == 0 ? 2048 : 4096;
+            const std::size_t pages = bytes.size() / pageSize;
+            for (std::size_t flips = 1 + random() % 12; flips > 0; --flips) {
+                // Most of what matters lies in the first bytes of a page.
+                const std::size_t within = random() % 3 != 0 ? random() % 80 : random() % pageSize;
+                bytes[(1 + random() % (pages - 1)) * pageSize + within] = static_cast<char>(random());
+            }
+            if (round % 10 == 0) bytes.resize(pageSize * (3 + random() % (pages - 3)));
+            copy_.write(bytes);
+            const int number = errorOf([&] {
+                Database database(copy_.path(), Access::kReadOnly);
+                damaged += test::readEverything(database).damaged;
+            });
+            EXPECT_TRUE(number == 0 || number == 3049 || number == 3343) << number;
+            refused += number != 0 ? 1 : 0;
+        }
+    }
+    EXPECT_GT(refused, 10u);
+    EXPECT_GT(damaged, 100u);
+}
+
+}  // namespace
+}  // namespace wendel::jet
