@@ -1,0 +1,60 @@
+#include "jet/sql/Errors.h"
+
+namespace wendel::jet::sql {
+namespace {
+
+// '|' is replaced by the detail.
+std::string_view description(int number) {
+    switch (number) {
+        case kNoCurrentRow: return "Kein aktueller Datensatz.";
+        case kSelectNotExecutable: return "Eine Auswahlabfrage kann nicht ausgeführt werden.";
+        case kReadOnly: return "Aktualisieren nicht möglich. Datenbank oder Objekt ist schreibgeschützt.";
+        case kTooFewParameters: return "Zu wenige Parameter. | erwartet.";
+        case kExpressionSyntax: return "Syntaxfehler in Abfrageausdruck '|'.";
+        case kUnknownTable:
+            return "Die Eingangstabelle oder Abfrage '|' wurde nicht gefunden. Stellen Sie sicher, dass sie "
+                   "existiert und dass der Name richtig eingegeben wurde.";
+        case kAmbiguousField:
+            return "Das angegebene Feld '|' kann sich auf mehr als eine Tabelle beziehen, die im "
+                   "FROM-Abschnitt "
+                   "der SQL-Anweisung aufgelistet ist.";
+        case kUnknownFunction: return "Undefinierte Funktion '|' in Ausdruck.";
+        case kOrderByDistinct: return "ORDER BY-Klausel (|) verursacht Konflikt mit DISTINCT.";
+        case kAggregateInWhere: return "Aggregatfunktion in WHERE-Klausel nicht möglich: |.";
+        case kNotAggregated:
+            return "Sie wollten eine Abfrage ausführen, die den angegebenen Ausdruck '|' nicht als Teil "
+                   "einer "
+                   "Aggregatfunktion enthält.";
+        case kNoStatement:
+            return "Ungültige SQL-Anweisung; 'DELETE', 'INSERT', 'PROCEDURE', 'SELECT' oder 'UPDATE' "
+                   "erwartet.";
+        case kFromSyntax: return "Syntaxfehler in FROM-Klausel.";
+        case kGroupBySyntax: return "Syntaxfehler in GROUP BY-Klausel.";
+        case kHavingSyntax: return "Syntaxfehler in HAVING-Klausel.";
+        case kJoinSyntax: return "Syntaxfehler in JOIN-Operation.";
+        case kOrderBySyntax: return "Syntaxfehler in ORDER BY-Klausel.";
+        case kSelectSyntax:
+            return "Die SELECT-Anweisung schließt ein reserviertes Wort oder ein Argument ein, das falsch "
+                   "eingegeben wurde oder fehlt, oder die Interpunktion ist falsch.";
+        case kTextAfterEnd: return "Zeichen gefunden nach Ende der SQL-Anweisung.";
+        case kUnknownField: return "Element in dieser Auflistung nicht gefunden.";
+        case kTooComplex: return "Die Abfrage ist zu komplex.";
+        case kClosed: return "Objekt ist ungültig oder nicht mehr festgelegt.";
+        case kTypeMismatch: return "Datentypkonflikt in Kriterienausdruck.";
+        case kPattern: return "Ungültige Musterzeichenfolge.";
+        case kDivisionByZero: return "Division durch Null.";
+        default: return "Reservierter Fehler.";
+    }
+}
+
+}  // namespace
+
+Fehler sqlError(int number, std::string_view detail) {
+    std::string text(description(number));
+    if (const auto place = text.find('|'); place != std::string::npos) {
+        text.replace(place, 1, detail);
+    }
+    return Fehler(number, "SQL", text);
+}
+
+}  // namespace wendel::jet::sql
