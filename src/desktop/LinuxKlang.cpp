@@ -1,0 +1,109 @@
+#include "desktop/LinuxKlang.h"
+
+#include <dirent.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+
+#include <cstdlib>
+#include <memory>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "desktop/Abloesung.h"
+#include "desktop/Dateideskriptor.h"
+#include "desktop/LinuxDateisystem.h"
+#include "desktop/Pfade.h"
+#include "desktop/Programmordner.h"
+
+namespace wendel {
+
+namespace {
+
+std::string ausUmgebung(const char* name) {
+    const char* wert = std::getenv(name);
+    return wert ? wert : "";
+}
+
+using Ordner = std::unique_ptr<DIR, int (*)(DIR*)>;
+
+// A card has a folder "card0"; a stream that plays is a folder "pcm0p" in it, one that records "pcm0c".
+bool kannSpielen(const std::string& karte) {
+    const Ordner ordner(::opendir(karte.c_str()), &::closedir);
+    if (!ordner) return false;
+    while (const dirent* eintrag = ::readdir(ordner.get())) {
+        const std::string_view name = eintrag->d_name;
+        if (name.starts_with("pcm") && name.ends_with('p')) return true;
+    }
+    return false;
+}
+
+int karten(const std::string& kartenordner) {
+    const Ordner ordner(::opendir(kartenordner.c_str()), &::closedir);
+    if (!ordner) return 0;
+    int zahl = 0;
+    while (const dirent* eintrag = ::readdir(ordner.get())) {
+        const std::string_view name = eintrag->d_name;
+        const bool karte = name.starts_with("card") && name.size() > 4 &&
+                           name.find_first_not_of("0123456789", 4) == std::string_view::npos;
+        if (karte && kannSpielen(kartenordner + "/" + eintrag->d_name)) ++zahl;
+    }
+    return zahl;
+}
+
+// Connected, not only looked at: a server that crashed leaves its socket behind.
+bool antwortet(const std::string& socket) {
+    sockaddr_un adresse{};
+    adresse.sun_family = AF_UNIX;
+    if (!socket.starts_with('/') || socket.size() >= sizeof adresse.sun_path) return false;
+    socket.copy(adresse.sun_path, socket.size());
+    const Dateideskriptor fd(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+    return fd && ::connect(fd.get(), reinterpret_cast<const sockaddr*>(&adresse), sizeof adresse) == 0;
+}
+
+bool klangserverDa() {
+    const std::string laufzeitordner = ausUmgebung("XDG_RUNTIME_DIR");
+    if (const std::string server = ausUmgebung("PULSE_SERVER"); !server.empty()) {
+        constexpr std::string_view kUnix = "unix:";
+        // A server on another machine: whether it answers shows when something is played.
+        if (!server.starts_with(kUnix) && !server.starts_with('/')) return true;
+        return antwortet(server.starts_with(kUnix) ? server.substr(kUnix.size()) : server);
+    }
+    return antwortet(laufzeitordner + "/pulse/native") || antwortet(laufzeitordner + "/pipewire-0");
+}
+
+// The file itself, or the shipped one of its name: the settings name a sound in the programme folder that
+// need not have been copied there.
+std::string mitgeliefert(const std::string& pfad) {
+    if (pfad.empty()) return {};
+    const std::string logisch = logischerPfad(nativerPfad(pfad));
+    const std::size_t trenner = logisch.rfind('\\');
+    if (trenner == std::string::npos) return vorhandeneDatei(pfad);
+    return vorhandeneDatei(mitgelieferteDatei(logisch.substr(0, trenner + 1), logisch.substr(trenner + 1)));
+}
+
+// One after the other until one succeeds. A minute is longer than any of our sounds; it ends a player that
+// waits for a server which never answers, so that they don't pile up.
+constexpr const char* kSpieleNacheinander = R"(f=$1; shift; for p; do timeout 60 "$p" "$f" && exit; done)";
+
+}  // namespace
+
+LinuxKlang::LinuxKlang(std::string kartenordner) : kartenordner_(std::move(kartenordner)) {}
+
+int LinuxKlang::ausgabegeraete() {
+    if (const int zahl = karten(kartenordner_); zahl > 0) return zahl;
+    return klangserverDa() ? 1 : 0;
+}
+
+void LinuxKlang::spieleAsynchron(const std::string& pfad) {
+    std::string datei = mitgeliefert(pfad);
+    if (datei.empty()) return;
+    if (!datei.starts_with('/')) datei.insert(0, "./");  // a name that begins with "-" is no option
+    std::vector<std::string> befehl{"/bin/sh", "-c", kSpieleNacheinander, "sh", datei};
+    const std::size_t ohneSpieler = befehl.size();
+    for (const char* name : {"pw-play", "paplay", "aplay"})
+        if (std::string spieler = imSuchpfad(name); !spieler.empty()) befehl.push_back(std::move(spieler));
+    if (befehl.size() > ohneSpieler) starteAbgeloest(befehl, {});
+}
+
+}  // namespace wendel

@@ -1,0 +1,18 @@
+# Adapters that need the system's calls and nothing else: the command-line programs link them without Qt.
+wendel_library(wendel_posix
+  SOURCES
+    Abloesung.cpp
+    AufwachMelder.cpp
+    Einzelinstanz.cpp
+    LinuxDateistarter.cpp
+    LinuxDateisystem.cpp
+    LinuxKlang.cpp
+    LinuxProzesse.cpp
+    LinuxRechner.cpp
+    LinuxUhr.cpp
+    Pfade.cpp
+    Programmordner.cpp
+  LINKS wendel_platform)
+
+# Asks for a display before the toolkit does.
+wendel_library(wendel_anzeige SOURCES Anzeigepruefung.cpp LINKS wendel_interface xcb)
