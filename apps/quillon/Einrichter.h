@@ -1,0 +1,42 @@
+#pragma once
+// Carries out the jobs of the settings tool in one programme folder. Reading and writing the settings file is
+// the work of Einstellungen; what a value looks like, that of Einstellungstabelle.
+
+#include <ostream>
+#include <string>
+
+#include "Befehlszeile.h"
+#include "platform/ports/Dateisystem.h"
+#include "tvdb/Einstellungen.h"
+
+namespace wendel::quillon {
+
+class Einrichter {
+  public:
+    // ausgabe gets what was asked for, hinweise what the user should know besides. All outlive this object.
+    Einrichter(Dateisystem& dateien, std::string programmordner, std::ostream& ausgabe,
+               std::ostream& hinweise);
+
+    // Throws Fehler with a German description when the job could not be done.
+    void erledige(const Auftrag& auftrag);
+
+  private:
+    void tue(const Anlegen&);
+    void tue(const Setze& auftrag);
+    void tue(const Anfuegen& auftrag);
+    void tue(const Zeige& auftrag);
+
+    void legeEinstellungenAn();
+    void legeGuidekonfigurationAn();
+    void legeOrdnerAn(const std::string& name);
+    void setze(std::int32_t index, const Variant& wert);
+    void zeigeZeile(const Einstellungszeile& zeile, const Variant& array);
+
+    Dateisystem& dateien_;
+    std::string programmordner_;
+    Einstellungen einstellungen_;
+    std::ostream& ausgabe_;
+    std::ostream& hinweise_;
+};
+
+}  // namespace wendel::quillon
