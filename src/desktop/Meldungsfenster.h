@@ -1,0 +1,33 @@
+#pragma once
+// Message boxes as real windows: modal ones with German buttons, and the one modeless window for failures
+// inside the tick. Which text is shown when is the logic's business.
+
+#include <QMessageBox>
+#include <QPointer>
+
+#include "platform/ports/Fenstersystem.h"
+#include "platform/ports/Meldungen.h"
+
+namespace wendel {
+
+class Meldungsfenster final : public Meldungen {
+  public:
+    // fenster tells whether another program is being worked in; it must outlive this object.
+    explicit Meldungsfenster(Fenstersystem& fenster) : fenster_(fenster) {}
+    ~Meldungsfenster() override;
+    Meldungsfenster(const Meldungsfenster&) = delete;
+    Meldungsfenster& operator=(const Meldungsfenster&) = delete;
+
+    // Runs an event loop of its own until the answer. When the program ends meanwhile, the answer is the one
+    // that changes nothing: Abbrechen, else Nein, else Ok.
+    Antwort meldung(const std::string& text, int stil, const std::string& titel) override;
+
+    void zeigeFehlerOhneWarten(const std::string& text, int nummer, const std::string& quelle,
+                               const std::string& beschreibung, const std::string& titel) override;
+
+  private:
+    Fenstersystem& fenster_;
+    QPointer<QMessageBox> fehlerfenster_;
+};
+
+}  // namespace wendel

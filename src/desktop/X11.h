@@ -1,0 +1,45 @@
+#pragma once
+// What the window and tray adapters need from the X server beyond Qt: atoms, properties and messages to the
+// window manager, over Qt's own connection. Windows of other programs vanish at any moment; a failed request
+// is no error.
+
+#include <xcb/xcb.h>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace wendel {
+
+class X11 {
+  public:
+    // Nothing where the toolkit does not run on X.
+    static std::optional<X11> verbindung();
+
+    xcb_atom_t atom(const char* name) const;
+    // The values of a 32-bit property of a window; empty when there is none.
+    std::vector<std::uint32_t> werte(xcb_window_t fenster, const char* name) const;
+    // The title as the window manager shows it, UTF-8.
+    std::string titel(xcb_window_t fenster) const;
+    // The last active window that the manager knows of, 0 for none.
+    xcb_window_t aktivesFenster() const;
+    // Asks the window manager to activate a window as a pager would: restored, raised, focused.
+    void aktiviere(xcb_window_t fenster) const;
+    xcb_window_t auswahlBesitzer(xcb_atom_t auswahl) const;
+    // Equal for all windows that one client of the server has made.
+    std::uint32_t klient(xcb_window_t fenster) const;
+    int bildschirmnummer() const { return bildschirm_; }
+    xcb_window_t wurzel() const { return wurzel_; }
+
+  private:
+    X11(xcb_connection_t* verbindung, xcb_window_t wurzel, int bildschirm)
+        : verbindung_(verbindung), wurzel_(wurzel), bildschirm_(bildschirm) {}
+    std::string textwert(xcb_window_t fenster, const char* name, const char* typ) const;
+
+    xcb_connection_t* verbindung_;
+    xcb_window_t wurzel_;
+    int bildschirm_;
+};
+
+}  // namespace wendel

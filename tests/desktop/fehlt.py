@@ -1,0 +1,72 @@
+"""What is missing on a machine, told or borne: fehlt.py ohne-bus runs without a session bus, fehlt.py alles elsewhere."""
+import sys
+from hilfe import *
+
+
+def ergebnis(p, *argumente, **mehr):
+    lauf = subprocess.run([PROGRAMM, *argumente], env=p.umgebung('2012-12-24 12:00:00', **mehr), capture_output=True,
+                          text=True, timeout=15)
+    return lauf.returncode, lauf.stdout, lauf.stderr
+
+
+def ohne_bildschirm():
+    code, aus, fehler = ergebnis(Lomrick(), DISPLAY=':4711')
+    assert code == 3 and aus == '' and fehler.startswith('Kein Bildschirm gefunden'), (code, aus, fehler)
+
+
+def ohne_datenbank():
+    p = Lomrick(datenbank=None)
+    code, aus, fehler = ergebnis(p)
+    assert code == 4 and aus == '', (code, aus, fehler)
+    assert '"tvdaten.mdb"' in fehler and p.ordner + '/tvdaten.mdb' in fehler, fehler
+
+
+def falsche_uhr():
+    p = Lomrick()
+    code, aus, fehler = ergebnis(p, WENDEL_UHR='gestern abend')
+    assert code == 2 and 'WENDEL_UHR' in fehler, (code, fehler)
+
+
+def hilfe():
+    """The help box, then the end: no icon, no database, no list."""
+    p = Lomrick(datenbank=None).starte('/?')
+    f = warte_fenster('Mögliche Startparameter')
+    bild('hilfe')
+    assert not fenster(LISTE)
+    aktiviere(f)
+    taste('alt+o')
+    assert p.prozess.wait(5) == 0
+
+
+def ohne_bus():
+    """Notices and the list come without a session bus; nothing is said about it."""
+    p = Lomrick()
+    p.termine('24.12.2012 12:00:03|0|ja|Oma anrufen')
+    p.starte(uhr='2012-12-24 12:00:00')
+    warte_fenster(LISTE)
+    f = warte_fenster(HINWEIS)
+    aktiviere(f)
+    time.sleep(0.3)
+    taste('Escape')
+    warte_weg(HINWEIS, 3)
+    p.beende()
+
+
+def beenden_im_menue():
+    """The way out: the list's popup menu."""
+    p = Lomrick().starte(uhr='2012-12-24 12:00:00')
+    x, y, b, h = lage(warte_fenster(LISTE))
+    time.sleep(0.3)
+    klick(x + b // 2, y + h // 2, knopf=3)
+    time.sleep(0.4)  # the menu is up
+    bild('liste-menue')
+    taste('Down', 'Return')
+    assert p.prozess.wait(5) == 0
+
+
+faelle = {'ohne-bus': [ohne_bus],
+          'alles': [ohne_bildschirm, ohne_datenbank, falsche_uhr, hilfe, beenden_im_menue]}
+for fall in faelle[sys.argv[1]]:
+    print(fall.__name__, flush=True)
+    fall()
+print('passed')
