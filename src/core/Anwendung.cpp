@@ -1,0 +1,118 @@
+#include "core/Anwendung.h"
+
+#include <utility>
+#include <vector>
+
+#include "core/Datenbestand.h"
+#include "core/FormWendel.h"
+#include "core/Hinweisausgabe.h"
+#include "core/ModulInterneKommunikation.h"
+#include "core/Start.h"
+#include "core/WeckTimer.h"
+#include "reminders/FormHinweis.h"
+#include "tvdb/ModulGrundbefehle.h"
+
+namespace wendel {
+
+namespace {
+
+// What comes of an answered notice, between the form that asks and the form that acts: the first is needed to
+// make the second.
+class Hinweisempfaenger : public FormHinweisEmpfaenger {
+  public:
+    explicit Hinweisempfaenger(Datenbestand& bestand) : bestand_(bestand) {}
+    void verbinde(FormWendel& form) { form_ = &form; }
+
+    void erneutErinnern(const TerminZeiger& termin) override { form_->terminHinzufuegen(termin); }
+    void hinweisBeantwortet(const std::vector<Hinweisschluessel>& schluessel) override {
+        // The journal holds what it could not write and writes it with the next store.
+        static_cast<void>(bestand_.journal().beantworten(schluessel));
+    }
+
+  private:
+    Datenbestand& bestand_;
+    FormWendel* form_ = nullptr;
+};
+
+Prozesswerte anfangswerte(const Startumgebung& umgebung) {
+    Prozesswerte werte;
+    werte.programmdatei = umgebung.programmdatei;
+    werte.befehlszeile = umgebung.befehlszeile;
+    werte.programmordner = ModulGrundbefehle::PfadMitBackslash(umgebung.programmordner);
+    return werte;
+}
+
+}  // namespace
+
+struct Anwendung::Teile {
+    Teile(const Ports& p, FormWendelView& wendelView, FormHinweisView& hinweisView, Startumgebung umgebung)
+        : ports(p),
+          werte(anfangswerte(umgebung)),
+          bestand(ports, werte),
+          empfaenger(bestand),
+          hinweis(ports.uhr, hinweisView, empfaenger),
+          hauptanwendung(ports, werte),
+          wendel(ports, bestand, hinweis, hauptanwendung, wendelView),
+          ausgabe(ports, bestand, hinweis),
+          weckTimer(ports, bestand, wendel, ausgabe),
+          start(ports, werte, bestand, wendel, ausgabe, std::move(umgebung.einzigeKopie)) {
+        empfaenger.verbinde(wendel);
+    }
+
+    Ports ports;
+    Prozesswerte werte;
+    Datenbestand bestand;
+    Hinweisempfaenger empfaenger;
+    FormHinweis hinweis;
+    ModulInterneKommunikation hauptanwendung;
+    FormWendel wendel;
+    Hinweisausgabe ausgabe;
+    WeckTimer weckTimer;
+    Start start;
+
+    bool laeuft = false;
+    // Control lines that came while the program was starting: it can't act on them before all is read.
+    std::vector<std::string> wartendeZeilen;
+};
+
+Anwendung::Anwendung(const Ports& ports, FormWendelView& wendelView, FormHinweisView& hinweisView,
+                     Startumgebung umgebung)
+    : teile_(std::make_unique<Teile>(ports, wendelView, hinweisView, std::move(umgebung))) {}
+
+Anwendung::~Anwendung() = default;
+
+Startergebnis Anwendung::starten() {
+    const Startergebnis ergebnis = teile_->start.Main();
+    if (ergebnis != Startergebnis::Laeuft) return ergebnis;
+    teile_->weckTimer.starten();
+    teile_->laeuft = true;
+    for (const std::string& zeile : std::exchange(teile_->wartendeZeilen, {}))
+        DoThis(zeile);
+    return teile_->wendel.beendet() ? Startergebnis::Beendet : Startergebnis::Laeuft;
+}
+
+void Anwendung::tick() {
+    if (teile_->laeuft) teile_->weckTimer.Timer();
+}
+
+void Anwendung::DoThis(const std::string& text) {
+    if (teile_->laeuft) {
+        teile_->wendel.SteuerzeileEmpfangen(text);
+    } else {
+        teile_->wartendeZeilen.push_back(text);
+    }
+}
+
+bool Anwendung::fensterNachricht(std::uint32_t nachricht, std::uintptr_t wParam, std::uintptr_t lParam) {
+    return teile_->wendel.fensterNachricht(nachricht, wParam, lParam);
+}
+
+void Anwendung::beenden() { teile_->wendel.ExitProgram(); }
+
+FormWendel& Anwendung::formWendel() { return teile_->wendel; }
+
+FormHinweis& Anwendung::formHinweis() { return teile_->hinweis; }
+
+const Prozesswerte& Anwendung::werte() const { return teile_->werte; }
+
+}  // namespace wendel

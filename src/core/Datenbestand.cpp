@@ -1,0 +1,223 @@
+#include "core/Datenbestand.h"
+
+#include <algorithm>
+#include <optional>
+#include <utility>
+
+#include "platform/Text.h"
+#include "tvdb/Guidekonfiguration.h"
+#include "tvdb/ModulGrundbefehle.h"
+#include "tvdb/ModulSystem.h"
+
+namespace wendel {
+
+namespace {
+
+bool localeVerwenden(const Ports& ports, const std::string& titel, const std::string& was,
+                     const std::string& pfad, const std::string& ersatz) {
+    const std::string text = was + " \"" + ports.dateien.pfadAnzeige(pfad) +
+                             "\" kann nicht gefunden werden.\r\nMöchten Sie stattdessen " + ersatz +
+                             " verwenden?";
+    return ports.meldungen.meldung(text, meldungsstil::kJaNeinAusrufezeichen, titel) == Antwort::Ja;
+}
+
+// What is in alle and not in weg, each as often as it is there more.
+std::vector<GespeicherterTermin> ohne(std::vector<GespeicherterTermin> alle,
+                                      const std::vector<GespeicherterTermin>& weg) {
+    for (const GespeicherterTermin& termin : weg) {
+        const auto gefunden = std::find(alle.begin(), alle.end(), termin);
+        if (gefunden != alle.end()) alle.erase(gefunden);
+    }
+    return alle;
+}
+
+TerminZeiger suche(const Terminliste& termine, const Hinweisschluessel& schluessel) {
+    const auto gefunden = std::find_if(termine.begin(), termine.end(), [&](const TerminZeiger& termin) {
+        return termin->WeckZeit == schluessel.moment && hinweisschluessel(*termin) == schluessel;
+    });
+    return gefunden == termine.end() ? nullptr : *gefunden;
+}
+
+}  // namespace
+
+Datenbestand::Datenbestand(const Ports& ports, Prozesswerte& werte)
+    : ports_(ports),
+      werte_(werte),
+      einstellungen_(ports.dateien, werte.programmordner),
+      zugriff_(ports, einstellungen_, werte),
+      sender_(zugriff_),
+      journal_(ports.dateien, werte.programmordner) {}
+
+void Datenbestand::einstellungenLesen() {
+    const bool lesbar = einstellungen_.EinstellungsdateiVorhanden() && einstellungen_.arrayOderNichts();
+    if (!lesbar && einstellungenGelesen_) return;
+    konfiguration_ = liesKonfiguration(einstellungen_, werte_.programmordner);
+    einstellungenGelesen_ = true;
+}
+
+void Datenbestand::pfadeBestimmen() {
+    werte_.datenbankdatei = konfiguration_.datenbank;
+    if (!ModulGrundbefehle::DateiExistiert(ports_.dateien, werte_.datenbankdatei) &&
+        localeVerwenden(ports_, "Datenbankdatei", "Die Datenbankdatei", werte_.datenbankdatei,
+                        "die lokale Datenbankdatei")) {
+        werte_.datenbankdatei = werte_.programmordner + "tvdaten.mdb";
+    }
+    werte_.hyperlinksOrdner = konfiguration_.hyperlinksOrdner;
+    if (!ModulGrundbefehle::OrdnerExistiert(ports_.dateien, werte_.programmordner, werte_.hyperlinksOrdner) &&
+        localeVerwenden(ports_, "Hyperlinks-Ordner", "Der Hyperlinks-Ordner", werte_.hyperlinksOrdner,
+                        "den lokalen Ordner")) {
+        werte_.hyperlinksOrdner = werte_.programmordner + "Hyperlinks\\";
+    }
+    werte_.guideKonfigurationsdatei = Guidekonfiguration::kDateiname;
+}
+
+void Datenbestand::hauptanwendungTitelLesen() {
+    werte_.hauptanwendungTitel = Guidekonfiguration::liesAppname(ports_.dateien, werte_.programmordner);
+}
+
+void Datenbestand::termineLaden() {
+    const Datum jetzt = ports_.uhr.jetzt();
+    abgelegt_ = konfiguration_.termine;
+    eigene_ = termineAusEinstellungen(abgelegt_, jetzt);
+    if (!gezeigteWeiterstellen(eigene_, journal_, jetzt)) return;
+    ungespeichert_ = true;
+    static_cast<void>(speichernWennNoetig());
+}
+
+void Datenbestand::terminAnhaengen(const TerminZeiger& termin) {
+    while (journal_.kennt(*termin))
+        termin->WeckZeit = termin->WeckZeit.plusSekunden(1);
+    eigene_.push_back(termin);
+    ungespeichert_ = true;
+}
+
+bool Datenbestand::speichernWennNoetig() {
+    const bool journalGeschrieben = journal_.nachschreiben();
+    if (!ungespeichert_) return journalGeschrieben;
+    try {
+        fremdeAenderungenUebernehmen();
+        auto termine = termineFuerEinstellungen(eigene_);
+        einstellungen_.setzeEinstellung(einstellung::kTermin, termineAlsVariant(termine));
+        // The file has fewer characters; compared with it later must be what it holds.
+        for (auto& termin : termine)
+            termin.weckText = ausWindows1252(nachWindows1252(termin.weckText));
+        abgelegt_ = konfiguration_.termine = std::move(termine);
+        ungespeichert_ = false;
+        return journalGeschrieben;
+    } catch (const Fehler&) {
+        // Still marked as unstored: the next minute tries again.
+        return false;
+    }
+}
+
+// Between a change here and its storing another program may have written the file: its new appointments would
+// be lost, those it deleted would come back.
+void Datenbestand::fremdeAenderungenUebernehmen() {
+    const std::optional<Variant> array = einstellungen_.arrayOderNichts();
+    if (!array) return;
+    const auto jetzige = termineAusVariant(elementOderErsatz(*array, einstellung::kTermin, Variant()));
+    for (const auto& geloescht : ohne(abgelegt_, jetzige)) {
+        const auto gefunden = std::find_if(eigene_.begin(), eigene_.end(), [&](const TerminZeiger& termin) {
+            return termineFuerEinstellungen({termin}).front() == geloescht;
+        });
+        if (gefunden != eigene_.end()) eigene_.erase(gefunden);
+    }
+    const Terminliste neue = termineAusEinstellungen(ohne(jetzige, abgelegt_), ports_.uhr.jetzt());
+    eigene_.insert(eigene_.end(), neue.begin(), neue.end());
+}
+
+void Datenbestand::senderLaden() {
+    try {
+        sender_.laden();
+        senderGeladen_ = true;
+    } catch (const Fehler&) {
+        senderGeladen_ = sender_.alle().count() > 0;
+        throw;
+    }
+}
+
+// Without channels every query would be refused. A list that could not be read is tried again with the next
+// query, or one locked moment at the start would silence all reminders for the rest of the day.
+bool Datenbestand::senderBereit() {
+    if (senderGeladen_) return true;
+    try {
+        senderLaden();
+    } catch (const Fehler&) {
+        // The access layer has told the user.
+    }
+    return senderGeladen_;
+}
+
+Terminabfragen Datenbestand::terminabfragen() {
+    return Terminabfragen(zugriff_, werte_.datenbankdatei, ModulSystem::GetRechnername(ports_.rechner));
+}
+
+std::vector<std::string> Datenbestand::senderkennungen() const {
+    std::vector<std::string> kennungen;
+    for (const auto& sender : sender_.alle())
+        kennungen.push_back(sender->Senderkennung);
+    return kennungen;
+}
+
+void Datenbestand::abfragen() {
+    if (!senderBereit()) {
+        verpassteVormerken();
+        return;
+    }
+    Terminabfragen abfragen = terminabfragen();
+    // One moment for both kinds of reminders: each mark is then either missed or still to come.
+    const Datum jetzt = ports_.uhr.jetzt();
+    erinnerungenLesen(abfragen, jetzt);
+    verpassteLesen(abfragen, jetzt);
+    aufzeichnungenLesen(abfragen, jetzt);
+}
+
+void Datenbestand::erinnerungenLesen(Terminabfragen& abfragen, Datum jetzt) {
+    if (!konfiguration_.erinnerung) {
+        erinnerungen_.clear();
+        return;
+    }
+    const Terminabfrage abfrage = abfragen.ErinnerungenLesen(senderkennungen(), jetzt);
+    if (abfrage.gelungen) {
+        erinnerungen_ = vereinigt(abfrage.termine);
+    } else {
+        // Marks that are new to us may pass before the next query succeeds.
+        verpassteVormerken();
+    }
+}
+
+// Entries that are due but not shown yet are kept whatever the database says now; shown ones do not come
+// back. A record that is still wanted stays the same record, so that the list keeps its selection.
+Terminliste Datenbestand::vereinigt(const Terminliste& gelesen) {
+    const Datum jetzt = ports_.uhr.jetzt();
+    Terminliste neu;
+    for (const TerminZeiger& alt : erinnerungen_) {
+        if (istFaellig(*alt, jetzt)) neu.push_back(alt);
+    }
+    for (const TerminZeiger& termin : gelesen) {
+        if (journal_.kennt(*termin) || suche(neu, hinweisschluessel(*termin))) continue;
+        const TerminZeiger alt = suche(erinnerungen_, hinweisschluessel(*termin));
+        neu.push_back(alt && alt->Aktiv ? alt : termin);
+    }
+    return neu;
+}
+
+void Datenbestand::verpassteLesen(Terminabfragen& abfragen, Datum jetzt) {
+    if (!konfiguration_.erinnerung || !konfiguration_.verpassteZeigen) verpassteOffen_ = false;
+    if (!verpassteOffen_) return;
+    const Terminabfrage abfrage = abfragen.VerpassteErinnerungenLesen(senderkennungen(), jetzt);
+    if (!abfrage.gelungen) return;
+    verpassteOffen_ = false;
+    for (const TerminZeiger& termin : abfrage.termine) {
+        if (journal_.kennt(*termin) || suche(erinnerungen_, hinweisschluessel(*termin))) continue;
+        erinnerungen_.push_back(termin);
+    }
+}
+
+void Datenbestand::aufzeichnungenLesen(Terminabfragen& abfragen, Datum jetzt) {
+    Terminabfrage abfrage = abfragen.AufzeichnungenLesen(
+        senderkennungen(), jetzt, konfiguration_.vorlaufMinuten, konfiguration_.nachlaufMinuten);
+    if (abfrage.gelungen) aufzeichnungen_ = std::move(abfrage.termine);
+}
+
+}  // namespace wendel

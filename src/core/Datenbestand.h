@@ -1,0 +1,102 @@
+#pragma once
+// What the program knows and how each part of it is read again: settings, paths, channels, the three
+// collections of entries. Start-up reads everything once, a control line some of it, the tick what a fired
+// entry has changed. A reading that fails keeps what was known before. Shows nothing but the boxes of the two
+// path questions and of the database access.
+
+#include <string>
+#include <vector>
+
+#include "platform/Ports.h"
+#include "platform/Prozesswerte.h"
+#include "reminders/ErinnerungenLesen.h"
+#include "reminders/Hinweisjournal.h"
+#include "reminders/Terminspeicher.h"
+#include "reminders/cTermin.h"
+#include "tvdb/Einstellungen.h"
+#include "tvdb/Einstellungstabelle.h"
+#include "tvdb/ModulDatenbankzugriff.h"
+#include "tvdb/Senderliste.h"
+
+namespace wendel {
+
+class Datenbestand {
+  public:
+    // All arguments outlive the object. werte holds the programme folder already; paths and title are written
+    // into it.
+    Datenbestand(const Ports& ports, Prozesswerte& werte);
+
+    // --- settings, paths, title ---
+
+    // All settings. While the file is absent or unreadable, those known before stay, at first the defaults.
+    void einstellungenLesen();
+    const Konfiguration& konfiguration() const { return konfiguration_; }
+
+    // Database file and Hyperlinks folder from the settings; asks whether to take the local one for each that
+    // is not there.
+    void pfadeBestimmen();
+    void hauptanwendungTitelLesen();
+
+    // --- the user's own appointments: the only entries that are stored ---
+
+    // From the settings that were read last. Those that the journal knows as shown are moved on, so that a
+    // crash between notice and storing repeats nothing.
+    void termineLaden();
+    // A new entry at the end of the collection. Its moment moves by a second while an entry of this moment
+    // and text is known as shown: else the next start would take it for that one.
+    void terminAnhaengen(const TerminZeiger& termin);
+    void termineGeaendert() { ungespeichert_ = true; }
+    // Writes changed appointments and notices that could not be written; does nothing when all is stored.
+    // What another program has added to the stored appointments, or taken away, meanwhile is taken over
+    // first. False when writing failed: the next call tries again.
+    bool speichernWennNoetig();
+
+    // --- what comes from the database ---
+
+    // Channels; throws what the access layer throws, the old ones stay.
+    void senderLaden();
+    // Reminders and recordings; also missed reminders where they are owed, which then stand in the collection
+    // of reminders, due. Failures keep the old collections.
+    void abfragen();
+    // The program did not watch for a while: the next abfragen() that succeeds also looks for what was
+    // missed.
+    void verpassteVormerken() { verpassteOffen_ = true; }
+
+    // --- the entries ---
+
+    const Terminliste& eigene() const { return eigene_; }
+    const Terminliste& erinnerungen() const { return erinnerungen_; }
+    const Terminliste& aufzeichnungen() const { return aufzeichnungen_; }
+    Hinweisjournal& journal() { return journal_; }
+    const Prozesswerte& werte() const { return werte_; }
+
+  private:
+    void fremdeAenderungenUebernehmen();
+    bool senderBereit();
+    Terminabfragen terminabfragen();
+    std::vector<std::string> senderkennungen() const;
+    void erinnerungenLesen(Terminabfragen& abfragen, Datum jetzt);
+    void verpassteLesen(Terminabfragen& abfragen, Datum jetzt);
+    void aufzeichnungenLesen(Terminabfragen& abfragen, Datum jetzt);
+    Terminliste vereinigt(const Terminliste& gelesen);
+
+    const Ports& ports_;
+    Prozesswerte& werte_;
+    Einstellungen einstellungen_;
+    ModulDatenbankzugriff zugriff_;
+    Senderliste sender_;
+    Hinweisjournal journal_;
+    Konfiguration konfiguration_;
+
+    // The appointments as the file held them when it was last read or written here.
+    std::vector<GespeicherterTermin> abgelegt_;
+    Terminliste eigene_;
+    Terminliste erinnerungen_;
+    Terminliste aufzeichnungen_;
+    bool einstellungenGelesen_ = false;
+    bool ungespeichert_ = false;
+    bool verpassteOffen_ = true;
+    bool senderGeladen_ = false;
+};
+
+}  // namespace wendel

@@ -1,0 +1,113 @@
+#pragma once
+// The main form: the list of entries, the tray icon and its tooltip, the control lines of the suite, the way
+// out. Knows no toolkit: its window is a FormWendelView, the icon a TaskleistenSymbol. When something is due
+// is WeckTimer's business, how the program comes up is that of Start.
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/FormWendelView.h"
+#include "core/TaskbarIcon.h"
+#include "core/Terminzeilen.h"
+#include "platform/Ports.h"
+
+namespace wendel {
+
+class Datenbestand;
+class FormHinweis;
+class ModulInterneKommunikation;
+
+// Mouse messages that the icon sends in the second parameter of kIconNachricht.
+inline constexpr std::uint32_t kMausLinksDoppelklick = 515;
+inline constexpr std::uint32_t kMausRechtsLos = 517;
+
+class FormWendel {
+  public:
+    // All arguments outlive the form.
+    FormWendel(const Ports& ports, Datenbestand& bestand, FormHinweis& hinweis,
+               ModulInterneKommunikation& hauptanwendung, FormWendelView& view);
+
+    // --- what other programs and the system send ---
+
+    // One line of another program of the suite; unknown ones are ignored. Acts at once, also while a tick
+    // waits.
+    void SteuerzeileEmpfangen(const std::string& text);
+    // The window procedure. True when the message was taken; false leaves it to the previous procedure.
+    bool fensterNachricht(std::uint32_t nachricht, std::uintptr_t wParam, std::uintptr_t lParam);
+    // Whether the program's own window procedure stands in front of the previous one; start-up decides it
+    // once.
+    void setzeMausreaktion(bool an) { mausreaktion_ = an; }
+
+    // --- what the user does in the window ---
+
+    void fensterSchliessen();  // close box: hides, the program stays
+    void cmdAusblenden_Click();
+    void mnuBeenden_Click();
+    void zeileGewaehlt(std::optional<std::size_t> zeile);  // from 0
+
+    // --- operations of the program ---
+
+    void zeigen();
+    void zeigenUndNachVorn();
+    void verstecken();
+
+    // Rebuilds the rows and the live-update label. The window hears of it only when a text has changed.
+    void Ausfüllen();
+    // Builds the tooltip of the nearest entry and hands it to the icon.
+    void TaskBarIconAktualisieren();
+    // Gives the icon picture and tooltip; a record equal to the last one is not sent again.
+    void TaskbarUpdateIcon(std::string_view tipp);
+    void iconHinzufuegen();  // with the tip "Lomrick"
+
+    // What to refresh after the broadcasts' data have changed.
+    void RefreshTVDaten();
+
+    // A new entry of the user's (a snoozed notice): appended, shown in the list, stored.
+    void terminHinzufuegen(const TerminZeiger& termin);
+
+    // Stores changed appointments, unloads the windows, takes the icon away. Does no harm when nothing was
+    // loaded yet or when called twice.
+    void ExitProgram();
+    bool beendet() const { return beendet_; }
+
+    // The guard of the tick's long actions.
+    bool beschaeftigt() const { return beschaeftigt_; }
+    void setzeBeschaeftigt(bool an) { beschaeftigt_ = an; }
+
+    // From here on ExitProgram has appointments to take care of; set by start-up.
+    void setzeGeladen() { geladen_ = true; }
+
+    // The rows as the window shows them, and the entry behind each.
+    const std::vector<Terminzeile>& zeilen() const { return zeilen_; }
+    const Terminliste& zeilentermine() const { return zeilentermine_; }
+
+  private:
+    void terminupdate();
+    void refreshKonfig();
+    void zeilenZeigen(std::vector<Terminzeile> zeilen, Terminliste termine);
+    void iconDoppelklick();
+    IconDatensatz datensatz(std::string_view tipp);
+
+    const Ports& ports_;
+    Datenbestand& bestand_;
+    FormHinweis& hinweis_;
+    ModulInterneKommunikation& hauptanwendung_;
+    FormWendelView& view_;
+
+    std::vector<Terminzeile> zeilen_;
+    Terminliste zeilentermine_;
+    std::optional<std::size_t> auswahl_;
+    std::optional<std::string> liveUpdateText_;
+    std::optional<IconDatensatz> icon_;
+    bool mausreaktion_ = false;
+    bool geladen_ = false;
+    bool beendet_ = false;
+    bool beschaeftigt_ = false;
+};
+
+}  // namespace wendel

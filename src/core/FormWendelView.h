@@ -1,0 +1,38 @@
+#pragma once
+// What the main form asks of its window: a list of three columns, a label, a popup menu with one entry. The
+// window decides nothing; what the user does with it goes to the operations of FormWendel of the same name.
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "core/Terminzeilen.h"
+#include "platform/ports/Fenstersystem.h"
+
+namespace wendel {
+
+class FormWendelView {
+  public:
+    virtual ~FormWendelView() = default;
+
+    // The window's handle, valid also while it is hidden.
+    virtual Fensterhandle hwnd() = 0;
+
+    virtual void zeigen() = 0;      // visible, not modal
+    virtual void verstecken() = 0;  // gone from the screen, still loaded
+    virtual bool sichtbar() = 0;
+    // Raises a visible window above the others and activates it: the user has asked for it.
+    virtual void nachVorn() = 0;
+
+    // ListViewTermineListe: all rows at once, and the selected one (from 0) if any. Called when something
+    // changed.
+    virtual void setzeZeilen(const std::vector<Terminzeile>& zeilen, std::optional<std::size_t> auswahl) = 0;
+    // LabelAnzLiveUpdateEinstellungen.
+    virtual void setzeLiveUpdateEinstellungen(const std::string& text) = 0;
+
+    // The window goes for good and with it the program's event loop. May be called from inside a nested loop.
+    virtual void entladen() = 0;
+};
+
+}  // namespace wendel

@@ -1,0 +1,122 @@
+#include "core/WeckTimer.h"
+
+#include <cstdint>
+#include <exception>
+
+#include "core/Datenbestand.h"
+#include "core/FormWendel.h"
+#include "core/Hinweisausgabe.h"
+
+namespace wendel {
+
+namespace {
+
+constexpr std::int64_t kLueckeSekunden = 60;
+constexpr int kWartezeitMs = 1200;
+constexpr int kScheibeMs = 100;
+
+class Beschaeftigt {
+  public:
+    explicit Beschaeftigt(FormWendel& form) : form_(form) { form_.setzeBeschaeftigt(true); }
+    ~Beschaeftigt() { form_.setzeBeschaeftigt(false); }
+    Beschaeftigt(const Beschaeftigt&) = delete;
+    Beschaeftigt& operator=(const Beschaeftigt&) = delete;
+
+  private:
+    FormWendel& form_;
+};
+
+void sammleFaellige(const Terminliste& termine, Datum jetzt, Terminliste& faellige) {
+    for (const TerminZeiger& termin : termine) {
+        if (istFaellig(*termin, jetzt)) faellige.push_back(termin);
+    }
+}
+
+bool neueMinute(Datum letzter, Datum jetzt) {
+    const bool volleMinute = jetzt.sekunden() % 60 == 0 && jetzt != letzter;
+    return volleMinute || jetzt.sekunden() / 60 != letzter.sekunden() / 60;
+}
+
+}  // namespace
+
+WeckTimer::WeckTimer(const Ports& ports, Datenbestand& bestand, FormWendel& form, Hinweisausgabe& ausgabe)
+    : ports_(ports), bestand_(bestand), form_(form), ausgabe_(ausgabe) {}
+
+void WeckTimer::starten() { letzterTick_ = wachBis_ = ports_.uhr.jetzt(); }
+
+void WeckTimer::Timer() {
+    if (form_.beschaeftigt() || form_.beendet()) return;
+    try {
+        schritte(ports_.uhr.jetzt());
+    } catch (const std::exception&) {
+        // Nobody may be there to read a box, and one a second would bury the screen. What is still due comes
+        // with the next tick.
+    }
+    wachBis_ = ports_.uhr.jetzt();
+}
+
+void WeckTimer::schritte(Datum jetzt) {
+    const bool luecke = jetzt.sekunden() - wachBis_.sekunden() > kLueckeSekunden;
+    const bool minutenwechsel = neueMinute(letzterTick_, jetzt);
+    letzterTick_ = wachBis_ = jetzt;
+    if (minutenwechsel) minutenlauf(jetzt);
+    if (luecke) bestand_.verpassteVormerken();
+    Terminliste faellige;
+    sammleFaellige(bestand_.eigene(), jetzt, faellige);
+    sammleFaellige(bestand_.erinnerungen(), jetzt, faellige);
+    if (faellige.empty() && !luecke) return;
+    if (!faellige.empty()) {
+        hinweisenUndNachlesen(faellige, jetzt);
+    } else {
+        bestand_.abfragen();
+        auffrischen();
+    }
+    if (!form_.beendet()) nachzueglerHinweisen();
+}
+
+void WeckTimer::minutenlauf(Datum jetzt) {
+    nachholen(bestand_.eigene(), jetzt);
+    // Appointments whose last storing failed; a failure is tried again in a minute.
+    static_cast<void>(bestand_.speichernWennNoetig());
+    auffrischen();
+}
+
+void WeckTimer::hinweisenUndNachlesen(const Terminliste& faellige, Datum jetzt) {
+    const Beschaeftigt waehrenddessen(form_);
+    const Hinweis hinweis = ausgabe_.feuern(faellige, jetzt);
+    if (!warten()) return;
+    ausgabe_.zeigen(hinweis);
+    static_cast<void>(bestand_.speichernWennNoetig());
+    bestand_.abfragen();
+    auffrischen();
+}
+
+// Long enough for a start-up of the screen or the sound to settle, in slices so that the windows stay alive.
+// False when the program was told to end meanwhile: the journal keeps the notice for the next start.
+bool WeckTimer::warten() {
+    for (int gewartet = 0; gewartet < kWartezeitMs; gewartet += kScheibeMs) {
+        ports_.uhr.nachrichtenVerarbeiten();
+        if (form_.beendet()) return false;
+        ports_.uhr.schlafe(kScheibeMs);
+    }
+    return true;
+}
+
+// Reminders that became due while this tick was at work, or were found to have been missed.
+void WeckTimer::nachzueglerHinweisen() {
+    const Datum jetzt = ports_.uhr.jetzt();
+    Terminliste faellige;
+    sammleFaellige(bestand_.erinnerungen(), jetzt, faellige);
+    if (faellige.empty()) return;
+    const Beschaeftigt waehrenddessen(form_);
+    ausgabe_.zeigen(ausgabe_.feuern(faellige, jetzt));
+    bestand_.abfragen();
+    auffrischen();
+}
+
+void WeckTimer::auffrischen() {
+    form_.Ausfüllen();
+    form_.TaskBarIconAktualisieren();
+}
+
+}  // namespace wendel

@@ -1,0 +1,46 @@
+#pragma once
+// The tick of WeckTimer, once a second on the user-interface thread: decides whether something has to happen
+// now. An idle tick only compares times. A late tick fires what became due since the last one; whatever the
+// clock or the machine did meanwhile, each entry fires once.
+
+#include "platform/Datum.h"
+#include "platform/Ports.h"
+#include "reminders/cTermin.h"
+
+namespace wendel {
+
+class Datenbestand;
+class FormWendel;
+class Hinweisausgabe;
+
+class WeckTimer {
+  public:
+    // All outlive the timer.
+    WeckTimer(const Ports& ports, Datenbestand& bestand, FormWendel& form, Hinweisausgabe& ausgabe);
+
+    // From this moment gaps are measured: the end of the start-up.
+    void starten();
+
+    // Does nothing while a long action of an earlier tick is under way. Errors of a step end the tick, never
+    // the timer: what is still due is due at the next one.
+    void Timer();
+
+  private:
+    void schritte(Datum jetzt);
+    void minutenlauf(Datum jetzt);
+    void hinweisenUndNachlesen(const Terminliste& faellige, Datum jetzt);
+    void nachzueglerHinweisen();
+    bool warten();
+    void auffrischen();
+
+    const Ports& ports_;
+    Datenbestand& bestand_;
+    FormWendel& form_;
+    Hinweisausgabe& ausgabe_;
+    Datum letzterTick_;
+    // Until when the program is known to have watched: the end of the last tick, as a box inside a tick is no
+    // gap.
+    Datum wachBis_;
+};
+
+}  // namespace wendel

@@ -1,0 +1,201 @@
+#pragma once
+// The whole logic on fakes: a programme folder in memory, a TV database that answers the program's statements
+// from plain rows, views that remember what they show. A test moves the clock and looks at the notice.
+
+#include <algorithm>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/Anwendung.h"
+#include "core/FormWendel.h"
+#include "core/FormWendelView.h"
+#include "reminders/FormHinweis.h"
+#include "support/Fakes.h"
+#include "tvdb/Einstellungen.h"
+#include "tvdb/Einstellungstabelle.h"
+
+namespace wendel {
+
+inline Datum moment(int jahr, int monat, int tag, int stunde = 0, int minute = 0, int sekunde = 0) {
+    return DateSerial(jahr, monat, tag) + TimeSerial(stunde, minute, sekunde);
+}
+// On 24 December 2012, a Monday.
+inline Datum um(int stunde, int minute, int sekunde = 0) {
+    return moment(2012, 12, 24, stunde, minute, sekunde);
+}
+
+class FakeWendelView : public FormWendelView {
+  public:
+    static constexpr Fensterhandle kFenster = 0x1234;
+    explicit FakeWendelView(Aufrufe& aufrufe) : aufrufe_(aufrufe) {}
+
+    bool gezeigt = false, geladen = true;
+    int nachVornGeholt = 0, zeilenGesetzt = 0;
+    std::vector<Terminzeile> zeilen;
+    std::optional<std::size_t> auswahl;
+    std::string liveUpdate;
+
+    Fensterhandle hwnd() override { return kFenster; }
+    void zeigen() override { gezeigt = true, notiere("zeigen"); }
+    void verstecken() override { gezeigt = false, notiere("verstecken"); }
+    bool sichtbar() override { return gezeigt; }
+    void nachVorn() override { ++nachVornGeholt, notiere("nachVorn"); }
+    void setzeZeilen(const std::vector<Terminzeile>& neu, std::optional<std::size_t> gewaehlt) override {
+        zeilen = neu, auswahl = gewaehlt, ++zeilenGesetzt, notiere("setzeZeilen");
+    }
+    void setzeLiveUpdateEinstellungen(const std::string& text) override { liveUpdate = text; }
+    void entladen() override { geladen = false, notiere("entladen"); }
+
+  private:
+    void notiere(const char* was) {
+        if (aufrufe_.mitschreiben) aufrufe_.zeilen.push_back(std::string("FormWendel.") + was);
+    }
+    Aufrufe& aufrufe_;
+};
+
+class FakeHinweisView : public FormHinweisView {
+  public:
+    static constexpr Fensterhandle kFenster = 0x5678;
+    explicit FakeHinweisView(Aufrufe& aufrufe) : aufrufe_(aufrufe) {}
+
+    bool gezeigt = false;
+    std::string titel, text;
+    std::vector<std::string> alleTexte;  // one for each time the window came up
+
+    void setzeTitel(const std::string& neu) override { titel = neu; }
+    void setzeText(const std::string& neu) override { text = neu; }
+    void setzeFunktionen(const std::vector<std::string>&) override {}
+    void setzeAuswahl(int) override {}
+    void anpassen() override {}
+    void zeigen() override {
+        gezeigt = true;
+        if (!aufrufe_.mitschreiben) return;
+        alleTexte.push_back(text);
+        aufrufe_.zeilen.push_back("FormHinweis.zeigen");
+    }
+    void verbergen() override { gezeigt = false; }
+    void starteOKTimer(int) override {}
+    Fensterhandle fensterhandle() override { return kFenster; }
+
+  private:
+    Aufrufe& aufrufe_;
+};
+
+// Rows of the table Markierungen, as far as the program reads them.
+struct Markierung {
+    Datum erinnerung;  // "Erinnerungszeit"; never: no reminder
+    Datum beginn;
+    int dauer = 0;  // minutes
+    std::string titel;
+    bool aufzeichnung = false;
+};
+
+struct FakeTvDaten {
+    std::vector<std::string> sender = {"ARD"};
+    std::vector<Markierung> markierungen;
+    bool gesperrt = false;
+    int sperrnummer = 3260;
+
+    std::optional<FakeAntwort> antwort(const std::string& sql) const {
+        if (gesperrt) return Fehler(sperrnummer, "DAO.Database", "Gesperrt.");
+        if (sql.find("from Sender ") != std::string::npos) return sendertabelle();
+        const bool erinnerungen = sql.find("Erinnerung=true") != std::string::npos;
+        return markierungstabelle(erinnerungen);
+    }
+
+  private:
+    FakeAntwort sendertabelle() const {
+        FakeTabelle tabelle{
+            {"Bezeichnung", "BezeichnungKurz", "KzBezeichnungSchützen", "Senderkennung", "DatenNr", "Zeichen",
+             "Webseite", "GueltigAb", "GueltigBis", "Favorit", "Gruppe"},
+            {}};
+        for (const std::string& name : sender) {
+            tabelle.zeilen.push_back({Variant::text(name), Variant::text(name), Variant::boolesch(false),
+                                      Variant::text(name), Variant::text("1"), Variant::null(),
+                                      Variant::null(), Variant::null(), Variant::null(),
+                                      Variant::boolesch(true), Variant::null()});
+        }
+        return tabelle;
+    }
+    FakeAntwort markierungstabelle(bool erinnerungen) const {
+        FakeTabelle tabelle{{"Optionen", "Datum", "Uhrzeit", "Dauer", "Sendung", "Senderkennung"}, {}};
+        for (const Markierung& m : markierungen) {
+            if (erinnerungen ? m.erinnerung == Datum() : !m.aufzeichnung) continue;
+            tabelle.zeilen.push_back(
+                {Variant::text("Erinnerungszeit=" + datumKompakt(m.erinnerung).substr(0, 12)),
+                 Variant::datum(m.beginn.datumsteil()), Variant::datum(m.beginn.uhrzeitteil()),
+                 Variant::text(std::to_string(m.dauer)), Variant::text(m.titel), Variant::text("ARD")});
+        }
+        return tabelle;
+    }
+};
+
+class Programm {
+  public:
+    Programm() {
+        ports.dateien.lege("\\suite\\tvdaten.mdb", "x");
+        ports.dateien.legeOrdner("\\suite\\Hyperlinks\\");
+        ports.fenster.fenster[FakeWendelView::kFenster] = {"Lomrick", 1, false, false};
+        ports.fenster.fenster[FakeHinweisView::kFenster] = {"Lomrick - Hinweis", 1, false, false};
+        ports.datenbanken->dynamisch = [this](const std::string& sql) { return tvDaten.antwort(sql); };
+    }
+
+    FakePorts ports;
+    FakeTvDaten tvDaten;
+    std::unique_ptr<FakeWendelView> fenster;
+    std::unique_ptr<FakeHinweisView> hinweis;
+    std::unique_ptr<Anwendung> anwendung;
+    bool ersteKopie = true;
+
+    // A new process on the files as they are.
+    Startergebnis starte(const std::string& befehlszeile = "/m") {
+        erschaffe(befehlszeile);
+        return anwendung->starten();
+    }
+    void erschaffe(const std::string& befehlszeile) {
+        anwendung.reset();
+        fenster = std::make_unique<FakeWendelView>(ports.aufrufe);
+        hinweis = std::make_unique<FakeHinweisView>(ports.aufrufe);
+        anwendung = std::make_unique<Anwendung>(
+            ports.ports(), *fenster, *hinweis,
+            Startumgebung{"wendel", befehlszeile, kTestordner, [this] { return ersteKopie; }});
+    }
+    void toete() { anwendung.reset(); }
+
+    FormWendel& form() { return anwendung->formWendel(); }
+    Datum jetzt() { return ports.uhr.jetzt(); }
+
+    void sekunde() {
+        ports.uhr.vor(1);
+        anwendung->tick();
+    }
+    // Ticks every second up to and including that moment.
+    void bis(Datum ziel) {
+        while (jetzt() < ziel)
+            sekunde();
+    }
+    void springe(Datum ziel) {
+        ports.uhr.stelle(ziel);
+        anwendung->tick();
+    }
+    void beantworte(int zeile = 0) {
+        FormHinweis& form = anwendung->formHinweis();
+        form.TimerOKErlaubt_Timer();
+        form.ComboFunktion_Click(zeile);
+        form.cmdOK_Click();
+    }
+
+    Einstellungen einstellungen() { return Einstellungen(ports.dateien, kTestordner); }
+    void setze(std::int32_t index, const Variant& wert) { einstellungen().setzeEinstellung(index, wert); }
+    void setzeTermine(const std::vector<GespeicherterTermin>& termine) {
+        setze(einstellung::kTermin, termineAlsVariant(termine));
+    }
+    std::vector<GespeicherterTermin> gespeicherteTermine() {
+        return termineAusVariant(einstellungen().Einstellung(einstellung::kTermin, Variant()));
+    }
+};
+
+}  // namespace wendel
