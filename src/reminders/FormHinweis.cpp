@@ -10,6 +10,7 @@ namespace {
 
 constexpr std::string_view kErlaubt = "ok";
 constexpr int kLeertaste = 32;
+constexpr std::size_t kLaengsterWeckText = 65535;  // characters, as the settings file counts them
 
 std::vector<std::string> funktionszeilen() {
     std::vector<std::string> zeilen;
@@ -109,7 +110,9 @@ void FormHinweis::abschliessen(int index) {
 TerminZeiger FormHinweis::neuerTermin(int minuten) const {
     auto termin = std::make_shared<cTermin>();
     termin->WeckZeit = DateAdd(Einheit::Minute, minuten, uhr_.jetzt().aufMinute());
-    termin->WeckText = ohneVorsatz(labelHinweisText_);
+    // A notice left open for long takes up many entries; one text that can't be stored would keep all
+    // appointments from being stored.
+    termin->WeckText = Left(ohneVorsatz(labelHinweisText_), kLaengsterWeckText);
     termin->Aktiv = true;
     return termin;
 }

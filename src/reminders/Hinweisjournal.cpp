@@ -202,7 +202,7 @@ bool gezeigteWeiterstellen(const Terminliste& termine, Hinweisjournal& journal, 
     for (const TerminZeiger& termin : termine) {
         if (!journal.kennt(*termin)) continue;
         geaendert = geaendert || termin->Aktiv;
-        if (termin->Aktiv || termin->Intervall == intervall::kEinmal) nachFeuernWeiterstellen(*termin, jetzt);
+        if (termin->Aktiv || !wiederholtSich(*termin)) nachFeuernWeiterstellen(*termin, jetzt);
     }
     return geaendert;
 }

@@ -15,10 +15,6 @@ int tageBisWerktag(Datum d) {
     return wochentag < kFreitag ? 1 : 8 - wochentag;
 }
 
-bool wiederholtSich(const cTermin& termin) {
-    return termin.Intervall >= intervall::kTaeglich && termin.Intervall <= intervall::kWoechentlich;
-}
-
 // At least one step, then on while the moment lies before grenze. Every interval repeats with the week, so
 // whole weeks are skipped at once and an entry decades old costs no more than one of yesterday. The first
 // step comes before that, since it takes a working-day entry off the weekend.
@@ -40,6 +36,10 @@ void einmaligenWiederbeleben(cTermin& termin, Datum jetzt) {
 }  // namespace
 
 bool istKurzzeiterinnerung(const cTermin& termin) { return LCase(termin.WeckText) == LCase(kKurzzeittext); }
+
+bool wiederholtSich(const cTermin& termin) {
+    return termin.Intervall >= intervall::kTaeglich && termin.Intervall <= intervall::kWoechentlich;
+}
 
 bool istFaellig(const cTermin& termin, Datum jetzt) { return termin.Aktiv && termin.WeckZeit <= jetzt; }
 

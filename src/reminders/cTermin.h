@@ -53,6 +53,7 @@ using TerminZeiger = std::shared_ptr<cTermin>;
 using Terminliste = std::vector<TerminZeiger>;
 
 bool istKurzzeiterinnerung(const cTermin& termin);
+bool wiederholtSich(const cTermin& termin);
 
 // Active, and its moment has come.
 bool istFaellig(const cTermin& termin, Datum jetzt);

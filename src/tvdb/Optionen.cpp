@@ -1,5 +1,6 @@
 #include "tvdb/Optionen.h"
 
+#include <algorithm>
 #include <optional>
 
 #include "platform/Text.h"

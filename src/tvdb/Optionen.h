@@ -8,8 +8,7 @@
 namespace wendel::Optionen {
 
 // The value of the first entry of this key (blanks around the key and case ignored): everything after its
-// first
-// "="; ersatz when there is none.
+// first "="; ersatz when there is none.
 std::string GetOption(std::string_view optionen, std::string_view schluessel, std::string_view ersatz = "");
 
 // The text with the entry replaced in its place, or appended with the separator that the text already uses.

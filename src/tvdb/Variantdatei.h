@@ -6,10 +6,9 @@
 //   type 0, 1            nothing            type 5, 6, 7         8 bytes
 //   type 2, 11           2 bytes            type 8               u16 length, that many bytes
 //   type 3, 4            4 bytes            type 17              1 byte
-//   type 0x2000 + t      u16 dimensions, per dimension i32 count and i32 lower bound, then the elements,
-//   first
-//                        index fastest; t = 12: each element with its own type, else raw elements without
-//                        type
+//   type 0x2000 + t      u16 dimensions, per dimension i32 count and i32 lower bound, then the
+//                        elements, first index fastest; t = 12: each element with its own type,
+//                        else raw elements without type
 
 #include <cstddef>
 #include <string>
