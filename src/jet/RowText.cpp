@@ -12,7 +12,7 @@ namespace {
 
 using sql::JetType;
 
-// True for the few characters that are written as two.
+// What follows the backslash for the few characters that are written with one; 0 for all others.
 constexpr auto kEscapes = [] {
     std::array<char, 256> letters{};
     letters['\\'] = '\\';

@@ -9,6 +9,7 @@ std::string_view description(int number) {
         case kNoCurrentRow: return "Kein aktueller Datensatz.";
         case kSelectNotExecutable: return "Eine Auswahlabfrage kann nicht ausgeführt werden.";
         case kReadOnly: return "Aktualisieren nicht möglich. Datenbank oder Objekt ist schreibgeschützt.";
+        case kLocked: return "Datei konnte nicht gesperrt werden.";
         case kTooFewParameters: return "Zu wenige Parameter. | erwartet.";
         case kExpressionSyntax: return "Syntaxfehler in Abfrageausdruck '|'.";
         case kUnknownTable:

@@ -10,6 +10,7 @@ namespace wendel::jet::sql {
 
 inline constexpr int kNoCurrentRow = 3021;
 inline constexpr int kReadOnly = 3027;
+inline constexpr int kLocked = 3050;
 inline constexpr int kTooFewParameters = 3061;
 inline constexpr int kSelectNotExecutable = 3065;
 inline constexpr int kExpressionSyntax = 3075;

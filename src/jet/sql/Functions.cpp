@@ -21,6 +21,12 @@
 namespace wendel::jet::sql {
 namespace {
 
+[[noreturn]] void throwInvalidArgument() {
+    throw Fehler(fehlernummer::kUngueltigesArgument, "SQL",
+                 "Ungültiger Prozeduraufruf oder ungültiges Argument");
+}
+[[noreturn]] void throwOverflow() { throw Fehler(fehlernummer::kUeberlauf, "SQL", "Überlauf"); }
+
 // The arguments of one call. Functions marked "null in, null out" are not called with a Null.
 class Call {
   public:
@@ -38,7 +44,7 @@ class Call {
         }
         const double rounded = std::nearbyint(number(i));
         if (!(std::abs(rounded) < 9e18)) {
-            throw Fehler(fehlernummer::kUeberlauf, "SQL", "Überlauf");
+            throwOverflow();
         }
         return static_cast<std::int64_t>(rounded);
     }
@@ -78,8 +84,7 @@ class Call {
 std::size_t length(const Call& call, int i) {
     const std::int64_t n = call.whole(i);
     if (n < 0) {
-        throw Fehler(fehlernummer::kUngueltigesArgument, "SQL",
-                     "Ungültiger Prozeduraufruf oder ungültiges Argument");
+        throwInvalidArgument();
     }
     return static_cast<std::size_t>(n);
 }
@@ -91,8 +96,7 @@ Datum addMonths(Datum d, std::int64_t months) {
     const Datumsteile parts = zerlegt(d);
     const std::int64_t month = static_cast<std::int64_t>(parts.jahr) * 12 + parts.monat - 1 + months;
     if (month < 100 * 12 || month >= 10000 * 12) {
-        throw Fehler(fehlernummer::kUngueltigesArgument, "SQL",
-                     "Ungültiger Prozeduraufruf oder ungültiges Argument");
+        throwInvalidArgument();
     }
     const int year = static_cast<int>(month / 12);
     int day = parts.tag;
@@ -103,7 +107,7 @@ Datum addMonths(Datum d, std::int64_t months) {
 
 Datum added(std::string_view unit, std::int64_t count, Datum d) {
     if (std::abs(count) > 400'000'000'000) {
-        throw Fehler(fehlernummer::kUeberlauf, "SQL", "Überlauf");
+        throwOverflow();
     }
     if (unit == "yyyy") return addMonths(d, count * 12);
     if (unit == "q") return addMonths(d, count * 3);
@@ -113,8 +117,7 @@ Datum added(std::string_view unit, std::int64_t count, Datum d) {
     if (unit == "h") return DateAdd(Einheit::Stunde, count, d);
     if (unit == "n") return DateAdd(Einheit::Minute, count, d);
     if (unit == "s") return DateAdd(Einheit::Sekunde, count, d);
-    throw Fehler(fehlernummer::kUngueltigesArgument, "SQL",
-                 "Ungültiger Prozeduraufruf oder ungültiges Argument");
+    throwInvalidArgument();
 }
 
 std::int64_t difference(std::string_view unit, Datum a, Datum b) {
@@ -134,8 +137,7 @@ std::int64_t difference(std::string_view unit, Datum a, Datum b) {
     if (unit == "h") return DateDiff(Einheit::Stunde, a, b);
     if (unit == "n") return DateDiff(Einheit::Minute, a, b);
     if (unit == "s") return DateDiff(Einheit::Sekunde, a, b);
-    throw Fehler(fehlernummer::kUngueltigesArgument, "SQL",
-                 "Ungültiger Prozeduraufruf oder ungültiges Argument");
+    throwInvalidArgument();
 }
 
 std::int64_t part(std::string_view unit, Datum d) {
@@ -149,8 +151,7 @@ std::int64_t part(std::string_view unit, Datum d) {
     if (unit == "h") return parts.stunde;
     if (unit == "n") return parts.minute;
     if (unit == "s") return parts.sekunde;
-    throw Fehler(fehlernummer::kUngueltigesArgument, "SQL",
-                 "Ungültiger Prozeduraufruf oder ungültiges Argument");
+    throwInvalidArgument();
 }
 
 void datePart(const Call& call, int Datumsteile::*member) {
@@ -179,8 +180,7 @@ void wholeDivide(const Call& call, bool remainder) {
     if (b == 0) {
         throw sqlError(kDivisionByZero);
     }
-    if (b ==
-        -1) {  // the one quotient that does not fit is not asked for in 32 bits; avoid the trap all the same
+    if (b == -1) {  // the processor traps on the one quotient that does not fit
         call.result(remainder ? std::int64_t{0} : a == INT64_MIN ? INT64_MAX : -a);
         return;
     }
@@ -205,7 +205,7 @@ void wholePart(const Call& call, double (*cut)(double)) {
 void tenThousandths(const Call& call) {
     const double scaled = std::nearbyint(call.number(0) * 10000.0);
     if (!(std::abs(scaled) < 9.2e18)) {
-        throw Fehler(fehlernummer::kUeberlauf, "SQL", "Überlauf");
+        throwOverflow();
     }
     call.result(static_cast<std::int64_t>(scaled));
 }
@@ -245,8 +245,7 @@ std::string cutBlanks(std::string_view text, bool left, bool right) {
 void inStr(const Call& call) {
     const std::size_t start = length(call, 0);
     if (start == 0) {
-        throw Fehler(fehlernummer::kUngueltigesArgument, "SQL",
-                     "Ungültiger Prozeduraufruf oder ungültiges Argument");
+        throwInvalidArgument();
     }
     call.result(static_cast<std::int64_t>(InStr(LCase(call.text(1)), LCase(call.text(2)), start)));
 }
