@@ -10,6 +10,7 @@
 #include "jet/sql/Functions.h"
 #include "jet/sql/Parser.h"
 #include "jet/sql/Translator.h"
+#include "jet/sql/Value.h"
 #include "jet/storage/Catalog.h"
 #include "jet/storage/TextKeys.h"
 #include "platform/Text.h"
@@ -27,8 +28,6 @@ int compareTexts(void* order, int aLength, const void* a, int bLength, const voi
                        {static_cast<const char*>(a), static_cast<std::size_t>(aLength)},
                        {static_cast<const char*>(b), static_cast<std::size_t>(bLength)});
 }
-
-std::string quotedName(std::string_view name) { return "\"" + ersetzt(name, "\"", "\"\"") + "\""; }
 
 }  // namespace
 
@@ -59,10 +58,17 @@ class Session : public sql::Schema {
         return definition ? &(tables_[key] = attach(definition, key)) : nullptr;
     }
 
+    // Pages that do not fit together while somebody else writes them are no damage, but a conflict that has
+    // gone at the next try.
+    Fehler seenWhole(const Fehler& failure) const {
+        const bool torn = failure.nummer() == jetfehler::kDamaged && database_.file().changed();
+        return torn ? sql::sqlError(sql::kLocked) : failure;
+    }
+
     // The Fehler for a failed SQLite call: what the functions or the file threw, else what SQLite says.
     Fehler failure() {
         if (failures_.failure) {
-            return *std::exchange(failures_.failure, std::nullopt);
+            return seenWhole(*std::exchange(failures_.failure, std::nullopt));
         }
         const std::string text = sqlite3_errmsg(connection_);
         const bool tooLarge =
@@ -96,7 +102,7 @@ class Session : public sql::Schema {
         }
         module_.definition = definition;
         const std::string sql =
-            "CREATE VIRTUAL TABLE temp." + quotedName(table.sqlName) + " USING " + kTableModule;
+            "CREATE VIRTUAL TABLE temp." + sql::quotedName(table.sqlName) + " USING " + kTableModule;
         const int code = sqlite3_exec(connection_, sql.c_str(), nullptr, nullptr, nullptr);
         module_.definition.reset();
         if (code != SQLITE_OK) {
@@ -188,13 +194,21 @@ Connection::~Connection() = default;
 
 File& Connection::file() { return session_->database().file(); }
 
+sql::Translation Connection::translated(const sql::Statement& statement) {
+    try {
+        return sql::translate(statement, *session_, uhr_.jetzt());
+    } catch (const Fehler& failure) {
+        throw session_->seenWhole(failure);
+    }
+}
+
 Query Connection::query(std::string_view text) {
     const sql::Statement statement = sql::parse(text);
-    if (session_->database().refresh()) {
-        // Tables may have other columns now. A query that still runs keeps the old session.
+    if (session_->database().file().changed()) {
+        // Tables may have other columns now. A query that still runs keeps the old session, and its file.
         session_ = std::make_shared<Session>(path_);
     }
-    const sql::Translation translation = sql::translate(statement, *session_, uhr_.jetzt());
+    const sql::Translation translation = translated(statement);
     sqlite3_stmt* handle = nullptr;
     if (sqlite3_prepare_v2(session_->connection(), translation.sql.data(),
                            static_cast<int>(translation.sql.size()), &handle, nullptr) != SQLITE_OK) {

@@ -15,6 +15,10 @@
 
 namespace wendel::jet {
 
+namespace sql {
+struct Statement;
+struct Translation;
+}  // namespace sql
 class Session;
 
 // A running select. Use: while (query.step()) query.text(0) ... The accessors read the current row and may be
@@ -33,7 +37,8 @@ class Query {
 
     const std::vector<Column>& columns() const { return columns_; }
 
-    // To the next row; false behind the last one. Throws Fehler, after which the query is at its end.
+    // To the next row; false behind the last one. Throws Fehler, after which the query is at its end: 3049
+    // for a damaged file, 3050 where somebody else has been writing it meanwhile.
     bool step();
 
     enum class Storage { Null, Whole, Real, Text, Bytes };
@@ -61,13 +66,16 @@ class Connection {
     ~Connection();
 
     // Parses and starts one statement. Sees the file as it is now; columns and tables that another process
-    // has added are there. Throws Fehler with the engine's number; nothing has been read of the rows then.
+    // has added are there; queries that run go on with the file they began with. Throws Fehler with the
+    // engine's number; nothing has been read of the rows then.
     Query query(std::string_view statement);
 
     // For tests that count what a statement reads.
     File& file();
 
   private:
+    sql::Translation translated(const sql::Statement& statement);
+
     Uhr& uhr_;
     std::string path_;
     std::shared_ptr<Session> session_;

@@ -16,8 +16,8 @@ namespace wendel::jet {
 using Pfadumsetzung = std::function<std::string(const std::string& logischerPfad)>;
 
 // Errors of all objects made here are Fehler with the engine's numbers: 3024, 3044, 3051, 3343 from opening;
-// 3061, 3075, 3078, 3131 and relatives from statements; 3265 for unknown fields; 3420 for closed objects;
-// 3027 for everything that would write.
+// 3061, 3075, 3078, 3131 and relatives from statements; 3049 for damaged pages, 3050 while others write them;
+// 3265 for unknown fields; 3420 for closed objects; 3027 for everything that would write.
 class JetDatenbankmaschinen : public Datenbankmaschinen {
   public:
     // uhr answers date() and now() in statements. Both arguments outlive the engines made here.

@@ -15,33 +15,40 @@ def rows_of(jetsql, database, table):
     return lines[0].decode().split("\t"), [line.split(b"\t") for line in lines[1:-1]]
 
 
-def as_digested(cell, kind):
-    """The digests hold yes/no as 1/0, jetsql prints the dialect's -1/0."""
-    return {b"-1": b"1"}.get(cell, cell) if kind == "BOOLEAN" else cell
+def as_digested(cell, column):
+    """The digests hold yes/no as 1/0, jetsql prints the dialect's -1/0. The real files' descriptions name no types,
+    and their reader did not know the byte of the pound sign."""
+    if column.get("type", "BOOLEAN") == "BOOLEAN" and cell == b"-1":
+        return b"1"
+    return "\ufffd".encode() if "type" not in column and cell == "£".encode() else cell
 
 
 def digest(lines):
     return hashlib.sha256(b"".join(line + b"\n" for line in sorted(lines))).hexdigest()
 
 
-def failures(jetsql, folder, name):
-    with open(os.path.join(folder, name + ".json"), encoding="utf-8") as file:
-        expected = json.load(file)
+def failures(jetsql, folder, name, expected):
     for table, content in expected["tables"].items():
-        header, rows = rows_of(jetsql, os.path.join(folder, name + ".mdb"), table)
-        columns = content["columns"]
+        header, rows = rows_of(jetsql, os.path.join(folder, name), table)
+        columns = [column if isinstance(column, dict) else {"name": column} for column in content["columns"]]
         if header != [column["name"] for column in columns]:
             yield f"{name}, {table}: header {header}"
-        cells = [[as_digested(c, column["type"]) for c, column in zip(row, columns)] for row in rows]
+        cells = [[as_digested(c, column) for c, column in zip(row, columns)] for row in rows]
         if len(rows) != content["rows"]:
             yield f"{name}, {table}: {len(rows)} rows instead of {content['rows']}"
         if digest([b"\t".join(row) for row in cells]) != content["rows_sha256"]:
+            known = content.get("columns_sha256", {})
             wrong = [
                 column["name"]
                 for i, column in enumerate(columns)
-                if digest([row[i] for row in cells]) != content["columns_sha256"][column["name"]]
+                if digest([row[i] for row in cells]) != known.get(column["name"])
             ]
             yield f"{name}, {table}: rows differ, columns {wrong}"
+
+
+def described(folder, name):
+    with open(os.path.join(folder, name), encoding="utf-8") as file:
+        return json.load(file)
 
 
 def main():
@@ -49,7 +56,10 @@ def main():
     if not os.path.isdir(folder):
         print(f"skipped: no example files in {folder}")
         return 77
-    found = [f for name in ("tvdaten-klein", "tvdaten-gross", "typen") for f in failures(jetsql, folder, name)]
+    files = [(f"{name}.mdb", described(folder, f"{name}.json")) for name in ("tvdaten-klein", "tvdaten-gross", "typen")]
+    real = described(folder, os.path.join("echte", "real-files.json"))
+    files += [(os.path.join("echte", name), facts) for name, facts in real.items()]
+    found = [failure for name, facts in files for failure in failures(jetsql, folder, name, facts)]
     print("\n".join(found) or "all tables as expected")
     return 1 if found else 0
 

@@ -117,6 +117,25 @@ STATEMENTS = [
 ]
 
 
+def index_and_scan(folder, program):
+    """typen.mdb has the same columns with an ascending and with a descending index each. "not a >= b" is a question that
+    no index answers, and "+0" an order that none gives. Yields pairs that must be equal."""
+    database = os.path.join(folder, "typen.mdb")
+    for table in ("IndexAuf", "IndexAb"):
+        for column in ("[By]", "I", "L", "Geld", "Ei", "Do", "Da"):
+            pairs = f"Select Count(*) from {table} as a, {table} as b where "
+            for operator, opposite in (("=", "<>"), ("<", ">="), ("<=", ">"), (">", "<="), (">=", "<")):
+                yield [jetsql(program, database, pairs + condition)[1] for condition in
+                       (f"a.{column}{operator}b.{column}", f"not a.{column}{opposite}b.{column}")]
+            for way in ("", " desc"):
+                yield [jetsql(program, database, f"Select {column} from {table} order by {order}{way}")[1] for order in
+                       (column, column + "+0")]
+    pairs = "Select Count(*) from MehrSpalten as a, MehrSpalten as b where "  # an index on S, D desc, N
+    for by_index, by_scan in (("a.S=b.S", "not a.S<>b.S"), ("a.S=b.S and a.D<b.D", "not a.S<>b.S and not a.D>=b.D"),
+                              ("a.S=b.S and a.D=b.D and a.N>b.N", "not a.S<>b.S and not a.D<>b.D and not a.N<=b.N")):
+        yield [jetsql(program, database, pairs + condition)[1] for condition in (by_index, by_scan)]
+
+
 # Datum+Uhrzeit is a plain number of days; the last column is compared as a moment.
 SUMS_OF_DATES = {"latest recurring marks"}
 
@@ -175,7 +194,11 @@ def main():
         elif not expected and "Null" not in statement:
             wrong += 1
             print(f"{name}: no rows, so that it tests nothing")
-    print(f"{len(STATEMENTS)} statements, {wrong} wrong")
+    for by_index, by_scan in index_and_scan(folder, program):
+        if by_index != by_scan or by_index in ([], [["0"]]):
+            wrong += 1
+            print(f"by index {by_index}\n  by scan {by_scan}")
+    print(f"{len(STATEMENTS)} statements and the indexes, {wrong} wrong")
     return 1 if wrong else 0
 
 

@@ -34,18 +34,7 @@ Database::Database(const std::string& path, Access access, std::size_t cacheByte
     readCatalog();
 }
 
-bool Database::refresh() {
-    if (!stale_ && !file_.refresh()) return false;
-    stale_ = true;  // until the new state has been read: a catalog that cannot be read is asked for again
-    definitions_.clear();
-    readCatalog();
-    stale_ = false;
-    return true;
-}
-
 void Database::readCatalog() {
-    entries_.clear();
-    byFoldedName_.clear();
     const std::shared_ptr<const TableDef> objects = loadTableDef(file_, kCatalogPage, "MSysObjects");
     const CatalogColumns columns = catalogColumns(file_, *objects);
     for (TableScan scan(file_, *objects); scan.next();) {

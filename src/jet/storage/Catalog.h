@@ -1,7 +1,7 @@
 #pragma once
-// The tables of a database file by name, and their definitions. One Database is one open file as the SQL
-// layer sees it: call refresh() at the start of each statement, then take tables; definitions that are still
-// held stay valid as objects, though the file may have moved on.
+// The tables of a database file by name, and their definitions, as they were when the file was opened. One
+// Database is one open file as the SQL layer sees it; when file().changed(), the next statement takes a new
+// one.
 
 #include <cstddef>
 #include <cstdint>
@@ -28,9 +28,7 @@ class Database {
     Database(const std::string& path, Access access, std::size_t cacheBytes = File::kDefaultCacheBytes);
 
     File& file() { return file_; }
-
-    // Notices changes of the file by other processes; true when the catalog and all definitions were dropped.
-    bool refresh();
+    const File& file() const { return file_; }
 
     // Local tables, system tables included, in the order of the catalog. Linked tables and queries are not
     // here.
@@ -47,7 +45,6 @@ class Database {
     std::vector<CatalogEntry> entries_;
     std::map<std::string, std::size_t> byFoldedName_;
     std::map<std::uint32_t, std::shared_ptr<const TableDef>> definitions_;
-    bool stale_ = false;
 };
 
 }  // namespace wendel::jet

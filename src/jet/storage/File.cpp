@@ -76,9 +76,9 @@ bool readFully(int fd, std::span<std::uint8_t> buffer, std::uint64_t offset) {
 }  // namespace
 
 File::File(const std::string& path, Access access, std::size_t cacheBytes)
-    : path_(path), access_(access), cacheBytes_(cacheBytes) {
+    : path_(path), cacheBytes_(cacheBytes) {
     try {
-        openAndCheck();
+        openAndCheck(access);
     } catch (...) {
         closeDescriptor();
         throw;
@@ -92,10 +92,10 @@ void File::closeDescriptor() {
     fd_ = -1;
 }
 
-void File::openAndCheck() {
+void File::openAndCheck(Access access) {
     // A pipe or a device in place of the file must neither block the open nor be read.
     constexpr int kFlags = O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
-    writable_ = access_ == Access::kReadWrite;
+    writable_ = access == Access::kReadWrite;
     if (writable_) fd_ = ::open(path_.c_str(), O_RDWR | kFlags);
     if (fd_ < 0) {
         writable_ = false;
@@ -107,9 +107,13 @@ void File::openAndCheck() {
     if (::fstat(fd_, &info) != 0) throwOpenError(path_, errno);
     if (S_ISDIR(info.st_mode)) throwOpenError(path_, EISDIR);
     if (!S_ISREG(info.st_mode)) throwUnknownFormat(path_);
-    rememberState({info.st_dev, info.st_ino, static_cast<std::uint64_t>(info.st_size),
-                   nanoseconds(info.st_mtim), nanoseconds(info.st_ctim)});
+    rememberState(stateOf(info));
     readHeader();
+}
+
+File::State File::stateOf(const struct stat& info) {
+    return {info.st_dev, info.st_ino, static_cast<std::uint64_t>(info.st_size), nanoseconds(info.st_mtim),
+            nanoseconds(info.st_ctim)};
 }
 
 void File::rememberState(const State& state) {
@@ -146,29 +150,10 @@ void File::readHeader() {
     cacheSlots_ = std::max<std::size_t>(cacheBytes_ / layout_->pageSize, 4);
 }
 
-bool File::refresh() {
+bool File::changed() const {
     struct stat info {};
-    // A file that was removed while open stays readable; there is nothing newer to see.
     if (::stat(path_.c_str(), &info) != 0) return false;
-    const State now{info.st_dev, info.st_ino, static_cast<std::uint64_t>(info.st_size),
-                    nanoseconds(info.st_mtim), nanoseconds(info.st_ctim)};
-    if (now == state_ && !stateUncertain_) return false;
-    const bool sameFile = fd_ >= 0 && now.device == state_.device && now.inode == state_.inode;
-    cache_.clear();
-    cached_.clear();
-    try {
-        if (sameFile) {
-            rememberState(now);
-            readHeader();
-        } else {
-            closeDescriptor();
-            openAndCheck();
-        }
-    } catch (...) {
-        state_ = {};  // the state that was refused must not pass for a known one at the next call
-        throw;
-    }
-    return true;
+    return stateUncertain_ || stateOf(info) != state_;
 }
 
 PagePtr File::page(std::uint32_t number) {

@@ -1,6 +1,6 @@
 #pragma once
 // A Jet database file as a row of pages: opens and checks it, reads single pages through a small cache and
-// notices when another process has changed it. Knows nothing of what the pages hold; all other classes of
+// tells when another process has changed it. Knows nothing of what the pages hold; all other classes of
 // this folder read through it. Never writes, creates nothing beside the file.
 
 #include <cstddef>
@@ -13,6 +13,8 @@
 #include <vector>
 
 #include "jet/storage/Format.h"
+
+struct stat;
 
 namespace wendel::jet {
 
@@ -51,7 +53,6 @@ class File {
     File(const File&) = delete;
     File& operator=(const File&) = delete;
 
-    const std::string& path() const { return path_; }
     const Layout& layout() const { return *layout_; }
     Version version() const { return layout_->version; }
     bool writable() const { return writable_; }
@@ -66,10 +67,10 @@ class File {
     // Throws Fehler 3049 for a page number outside the file or when the page cannot be read.
     PagePtr page(std::uint32_t number);
 
-    // Looks at the file's state on the disk and drops the cache when it may have changed since the last call
-    // (or when another file has been put in its place). Returns true then: everything that was derived from
-    // pages is stale. Throws as the constructor does when the new state is no database.
-    bool refresh();
+    // Whether the file may have been written since it was opened, or another one lies in its place. Whoever
+    // wants to see the new state opens it anew: what still reads this one must not have its pages, or even
+    // their layout, exchanged under it. False when the file is gone: there is nothing newer to see.
+    bool changed() const;
 
     // Requests for pages so far, and how many of them went to the disk.
     std::uint64_t pagesRequested() const { return pagesRequested_; }
@@ -90,15 +91,15 @@ class File {
         PagePtr page;
     };
 
-    void openAndCheck();
+    void openAndCheck(Access access);
     void readHeader();
     void closeDescriptor();
+    static State stateOf(const struct stat& info);
     void rememberState(const State& state);
     PagePtr readPage(std::uint32_t number);
     std::shared_ptr<Page> freeBuffer();
 
     std::string path_;
-    Access access_;
     std::size_t cacheSlots_ = 0;
     std::size_t cacheBytes_;
     int fd_ = -1;

@@ -25,17 +25,6 @@ std::string Decimal::toText() const {
     return digits;
 }
 
-double Decimal::toDouble() const {
-    double value = 0;
-    for (const std::uint32_t word : magnitude)
-        value = value * 4294967296.0 + word;
-    double power = 1;
-    for (unsigned i = 0; i < scale; ++i)
-        power *= 10;
-    value /= power;
-    return negative ? -value : value;
-}
-
 std::string guidText(const Guid& guid) {
     constexpr char kDigits[] = "0123456789ABCDEF";
     std::string text = "{";

@@ -23,8 +23,6 @@ struct Decimal {
 
     // All digits, with exactly `scale` decimals: "-0.0010".
     std::string toText() const;
-    // The nearest double, as far as dividing by a power of ten keeps it.
-    double toDouble() const;
 
     friend bool operator==(const Decimal&, const Decimal&) = default;
 };

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <functional>
 #include <random>
 #include <string>
 
@@ -17,24 +16,15 @@
 namespace wendel::jet {
 namespace {
 
-// The error number of the action, 0 when it succeeds.
-int errorOf(const std::function<void()>& action) {
-    try {
-        action();
-    } catch (const Fehler& e) {
-        EXPECT_FALSE(e.beschreibung().empty());
-        return e.nummer();
-    }
-    return 0;
-}
-
-int openError(const std::string& path) {
-    return errorOf([&] { Database database(path, Access::kReadWrite); });
-}
+using test::errorOf;
 
 void put(std::string& bytes, std::size_t at, std::uint32_t value, unsigned size) {
     for (unsigned i = 0; i < size; ++i)
         bytes[at + i] = static_cast<char>(value >> (8 * i) & 0xFF);
+}
+
+int openError(const std::string& path) {
+    return errorOf([&] { Database database(path, Access::kReadWrite); });
 }
 
 TEST(Rc4, GivesTheKnownStreamOfTheHeaderMask) {
@@ -75,19 +65,14 @@ TEST_F(DamageTest, ForeignAndCutFilesAreRefused) {
         const char* name;
         std::string content;
         int number;
-    } rows[] = {
-        {"empty", "", 3343},
-        {"one byte", "x", 3343},
-        {"text", std::string(100000, 'x'), 3343},
-        {"zeros", std::string(1 << 16, '\0'), 3343},
-        {"other signature", with(5, 's'), 3343},
-        {".accdb of 2007", with(0x14, 2), 3343},
-        {"unknown version", with(0x14, 99), 3343},
-        {"header alone", image_.substr(0, 4096), 3343},
-        {"half a page too short", image_.substr(0, image_.size() - 2048), 3049},
-        {"without the catalog's rows", image_.substr(0, 5 * 4096), 3049},
-        {"Jet 4 read as Jet 3", with(0x14, 0), 3049},
-    };
+    } rows[] = {{"empty", "", 3343},
+                {"text", std::string(100000, 'x'), 3343},
+                {"other signature", with(5, 's'), 3343},
+                {".accdb of 2007", with(0x14, 2), 3343},
+                {"header alone", image_.substr(0, 4096), 3343},
+                {"half a page too short", image_.substr(0, image_.size() - 2048), 3049},
+                {"without the catalog's rows", image_.substr(0, 5 * 4096), 3049},
+                {"Jet 4 read as Jet 3", with(0x14, 0), 3049}};
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
         copy_.write(row.content);
@@ -95,7 +80,7 @@ TEST_F(DamageTest, ForeignAndCutFilesAreRefused) {
     }
 }
 
-TEST_F(DamageTest, CirclesEndInAnError) {
+TEST_F(DamageTest, CirclesAndWrongPagesEndInAnError) {
     Database sound(test::dataPath("tvdaten-klein.mdb"), Access::kReadOnly);
     const auto sender = sound.table("Sender");
     const std::uint32_t leaf = sender->indexes[0].root;
@@ -113,15 +98,9 @@ TEST_F(DamageTest, CirclesEndInAnError) {
     Database database(copy_.path(), Access::kReadOnly);
     EXPECT_EQ(errorOf([&] { database.table("Sender"); }), 3049);
     EXPECT_NE(database.table("Sendungen"), nullptr);
-}
-
-// A catalog entry can name any page.
-TEST_F(DamageTest, PagesOfOtherKindsAreNoDefinitions) {
-    File file(test::dataPath("tvdaten-klein.mdb"), Access::kReadOnly);
-    for (const std::uint32_t page : {0u, 1u, file.pageCount() - 1, file.pageCount(), 0xFFFFFFu}) {
-        SCOPED_TRACE(page);
-        EXPECT_EQ(errorOf([&] { loadTableDef(file, page, "x"); }), 3049);
-    }
+    const std::uint32_t last = database.file().pageCount() - 1;
+    for (const std::uint32_t page : {0u, 1u, last, last + 1, 0xFFFFFFu})  // a catalog entry can name any page
+        EXPECT_EQ(errorOf([&] { loadTableDef(database.file(), page, "x"); }), 3049) << page;
 }
 
 TEST_F(DamageTest, MovedRowsThatPointInACircleEndInAnError) {
@@ -152,11 +131,11 @@ TEST_F(DamageTest, MovedRowsThatPointInACircleEndInAnError) {
 TEST_F(DamageTest, EncodedFilesAreReadAsTheOthers) {
     constexpr std::uint32_t kKey = 0x1BADB002;
     std::string encoded = image_;
-    const auto xorKey = [&encoded](std::size_t at) {
-        for (unsigned i = 0; i < 4; ++i)
-            encoded[at + i] = static_cast<char>(encoded[at + i] ^ (kKey >> (8 * i) & 0xFF));
-    };
-    xorKey(kHeaderPageKey);  // the header's mask is a XOR as well, so the key goes straight into it
+    for (unsigned i = 0; i < 4;
+         ++i) {  // the header's mask is a XOR as well, so the key goes straight into it
+        char& byte = encoded[kHeaderPageKey + i];
+        byte = static_cast<char>(byte ^ (kKey >> (8 * i) & 0xFF));
+    }
     for (std::uint32_t page = 1; page < encoded.size() / 4096; ++page) {
         std::string key(4, '\0');
         put(key, 0, kKey ^ page, 4);
@@ -188,33 +167,16 @@ TEST_F(DamageTest, ReadingLeavesTheFolderAsItWas) {
     EXPECT_EQ(test::readFile(copy_.path()), image_);
 }
 
-TEST_F(DamageTest, ChangesByOthersAreSeenAfterRefresh) {
+TEST_F(DamageTest, ChangesByOthersAreNoticed) {
+    EXPECT_FALSE(File(test::dataPath("tvdaten-klein.mdb"), Access::kReadOnly).changed());
     copy_.write(image_);
-    Database database(copy_.path(), Access::kReadOnly);
-    const auto firstName = [&] {
-        const auto table = database.table("Sender");
-        TableScan scan(database.file(), *table);
-        return scan.next() ? test::cellText(scan.row(), 0) : "";
-    };
-    EXPECT_EQ(firstName(), "Erstes Programm");
-    std::string changed = image_;
-    changed.replace(changed.find("Erstes Programm"), 6, "Achtes");
-    copy_.write(changed);
-    EXPECT_TRUE(database.refresh());
-    EXPECT_EQ(firstName(), "Achtes Programm");
-    // Another file in its place, as compacting leaves it; an unreadable one is told and asked for again.
-    const std::string beside = copy_.folder() + "/neu";
-    std::filesystem::rename(copy_.path(), beside);
-    EXPECT_FALSE(database.refresh());
-    EXPECT_EQ(firstName(), "Achtes Programm");
-    copy_.write("kein Jet");
-    EXPECT_EQ(errorOf([&] { database.refresh(); }), 3343);
-    EXPECT_EQ(errorOf([&] { database.refresh(); }), 3343);
-    copy_.write(image_);
-    EXPECT_TRUE(database.refresh());
-    EXPECT_EQ(firstName(), "Erstes Programm");
-    Database old(test::dataPath("tvdaten-klein.mdb"), Access::kReadOnly);
-    EXPECT_FALSE(old.refresh());
+    const File file(copy_.path(), Access::kReadOnly);
+    copy_.write(image_);  // the same size, perhaps the same time stamp
+    EXPECT_TRUE(file.changed());
+    std::filesystem::rename(copy_.path(), copy_.folder() + "/gone");
+    EXPECT_FALSE(file.changed());
+    copy_.write("another file in its place, as compacting leaves it");
+    EXPECT_TRUE(file.changed());
 }
 
 // Flipped bytes and cut ends: every file either reads or ends in one of the engine's errors.
@@ -222,7 +184,7 @@ TEST_F(DamageTest, MutatedFilesNeverDoHarm) {
     constexpr unsigned kSeed = 4711;
     SCOPED_TRACE(kSeed);
     std::mt19937 random(kSeed);
-    std::size_t refused = 0, damaged = 0;
+    std::size_t damaged = 0;
     for (const char* name : {"echte/adox_jet4.mdb", "echte/overflowV2000.mdb", "echte/common2V1997.mdb"}) {
         const std::string original = test::readFile(test::dataPath(name));
         for (int round = 0; round < 150; ++round) {
@@ -241,10 +203,8 @@ TEST_F(DamageTest, MutatedFilesNeverDoHarm) {
                 damaged += test::readEverything(database).damaged;
             });
             EXPECT_TRUE(number == 0 || number == 3049 || number == 3343) << number;
-            refused += number != 0 ? 1 : 0;
         }
     }
-    EXPECT_GT(refused, 10u);
     EXPECT_GT(damaged, 100u);
 }
 

@@ -26,13 +26,9 @@ struct Vector {
 
 // Keys that the engine's own indexes hold for these values (descending text and Decimal: another library's).
 const Vector kVectors[] = {
-    {"long 0", ColumnType::kLong, std::int64_t{0}, "7F80000000", "807FFFFFFF"},
     {"long -1", ColumnType::kLong, std::int64_t{-1}, "7F7FFFFFFF", "8080000000"},
-    {"long max", ColumnType::kLong, std::int64_t{2147483647}, "7FFFFFFFFF", "8000000000"},
     {"integer min", ColumnType::kInteger, std::int64_t{-32768}, "7F0000", "80FFFF"},
-    {"byte 1", ColumnType::kByte, std::int64_t{1}, "7F01", "80FE"},
     {"true", ColumnType::kBoolean, std::int64_t{-1}, "7F00", "80FF"},
-    {"false", ColumnType::kBoolean, std::int64_t{0}, "7FFF", "8000"},
     {"currency", ColumnType::kCurrency, KeyCurrency{-1}, "7F7FFFFFFFFFFFFFFF", "808000000000000000"},
     {"currency from double", ColumnType::kCurrency, -0.0001, "7F7FFFFFFFFFFFFFFF", "808000000000000000"},
     {"single -1", ColumnType::kSingle, -1.0, "7F407FFFFF", "80BF800000"},
@@ -47,26 +43,12 @@ const Vector kVectors[] = {
      "7FFDA8768F861145B209130000000000000001", ""},
     {"null", ColumnType::kLong, std::monostate(), "00", "FF"},
     {"ARD", ColumnType::kText, "ARD", "7F4A694F0100", "80B596B0FEFF00"},
-    {"SAT1", ColumnType::kText, "SAT1", "7F6B4A6D380100", ""},
     {"Straße", ColumnType::kText, "Straße", "7F6B6D694A6B6B510100", ""},
-    {"Strasse", ColumnType::kText, "Strasse", "7F6B6D694A6B6B510100", ""},
     {"Mädchen", ColumnType::kText, "Mädchen", "7F604A4F4D57516201021300", "809FB5B0B2A8AE9DFEFDECFF00"},
-    {"Käpt'n", ColumnType::kText, "Käpt'n", "7F5C4A666D620102130101018017068000", ""},
-    {"coop", ColumnType::kText, "coop", "7F4D6464660100", ""},
     {"co-op", ColumnType::kText, "co-op", "7F4D64646601010101800F068200", "80B29B9B99FEFEFEFE7FF0F97DFF00"},
-    {"élève", ColumnType::kText, "élève", "7F515E517151010E020F00", ""},
     {"Łódź", ColumnType::kText, "Łódź", "7F5E644F78011F0E020E00", ""},
-    {"control character", ColumnType::kText,
-     "a\x01"
-     "b",
-     "7F4A4C01010101800B060300", ""},
-    {"dash alone", ColumnType::kText, "–", "7F010101018007068900", ""},
-    {"euro", ColumnType::kText, "€", "7F35A10100", ""},
-    {"trailing blank", ColumnType::kText, "a ", "7F4A0100", ""},
-    {"accent, special and trailing levels", ColumnType::kText, "Ärger-im \"Café\"",
-     "7F4A695551695960070A4D4A53510A01130202020202020202020202"
-     "0E010101801B068200",
-     ""},
+    {"all levels", ColumnType::kText, "Ärger-im \"Café\"",
+     "7F4A695551695960070A4D4A53510A011302020202020202020202020E010101801B068200", ""},
 };
 
 Column columnOf(ColumnType type) {
@@ -97,68 +79,49 @@ TEST(Key, HasTheBytesOfTheEngine) {
 }
 
 TEST(Key, RefusesValuesThatTheColumnCannotHold) {
-    const struct {
-        const char* name;
-        ColumnType type;
-        KeyValue value;
-    } rows[] = {
-        {"fraction in a Long", ColumnType::kLong, 1.5},
-        {"too large for an Integer", ColumnType::kInteger, std::int64_t{32768}},
-        {"negative Byte", ColumnType::kByte, std::int64_t{-1}},
-        {"1 is not Yes", ColumnType::kBoolean, std::int64_t{1}},
-        {"Null in Yes/No", ColumnType::kBoolean, std::monostate()},
-        {"text in a Long", ColumnType::kLong, "5"},
-        {"number in a text", ColumnType::kText, std::int64_t{5}},
-        {"too fine for a Single", ColumnType::kSingle, 0.1},
-        {"too fine for a Decimal", ColumnType::kDecimal, Decimal{false, {0, 0, 0, 1}, 4}},
-        {"text with an unknown character", ColumnType::kText, "a一"},
-        {"too large for Currency", ColumnType::kCurrency, std::int64_t{INT64_MAX}},
-        {"huge double in a Long", ColumnType::kLong, 1e300},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
+    using enum ColumnType;
+    const std::pair<ColumnType, KeyValue> rows[] = {{kLong, 1.5},
+                                                    {kLong, 1e300},
+                                                    {kLong, "5"},
+                                                    {kInteger, std::int64_t{32768}},
+                                                    {kByte, std::int64_t{-1}},
+                                                    {kBoolean, std::int64_t{1}},
+                                                    {kBoolean, std::monostate()},
+                                                    {kText, std::int64_t{5}},
+                                                    {kText, "unknown: 一"},
+                                                    {kSingle, 0.1},
+                                                    {kDecimal, Decimal{false, {0, 0, 0, 1}, 4}},
+                                                    {kCurrency, std::int64_t{INT64_MAX}}};
+    for (const auto& [type, value] : rows) {
         std::string key = "x";
-        EXPECT_FALSE(appendKey(columnOf(row.type), false, row.value, key));
+        EXPECT_FALSE(appendKey(columnOf(type), false, value, key))
+            << "type " << static_cast<int>(type) << ", alternative " << value.index();
         EXPECT_EQ(key, "x");
     }
 }
 
 // The key bytes follow from the table of the Access 97 order; accents are half bytes behind the weights.
 TEST(TextKey, FollowsTheOrderOfAccess97InItsFiles) {
-    const struct {
-        const char* text;
-        const char* key;
-    } rows[] = {
-        {"", "00"},
-        {"ARD", "60756400"},
-        {"ard  ", "60756400"},
-        {"Straße",
-         "767775607676"
-         "6600"},
-        {"Ä", "600600"},
-        {"Mädchen",
-         "6F606462696670"
-         "0600"},
-        {"Café", "62606766022400"},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.text);
-        EXPECT_EQ(upper(test::hex(sortKey(TextOrder::kGeneralJet3, row.text))), row.key);
-    }
+    const std::vector<std::pair<const char*, const char*>> rows = {{"", "00"},
+                                                                   {"ard  ", "60756400"},
+                                                                   {"Straße", "7677756076766600"},
+                                                                   {"Mädchen", "6F6064626966700600"},
+                                                                   {"Café", "62606766022400"}};
+    for (const auto& [text, key] : rows)
+        EXPECT_EQ(upper(test::hex(sortKey(TextOrder::kGeneralJet3, text))), key) << text;
 }
 
 TEST(TextKey, AgreesWithTheKeysOfTheExampleFile) {
     if (!test::haveData()) GTEST_SKIP() << "no example files at " << test::dataPath("");
     std::size_t compared = 0;
-    for (const auto& fact : test::expectations("typen.json")) {
-        if (fact[0] != "textkey") continue;
-        const std::string text = test::unhex(fact[1]);
-        SCOPED_TRACE(text);
-        std::string ascending, descending;
+    for (const std::string& line : test::expectations({"textkeys", test::dataPath("typen.json")})) {
+        const std::size_t end = line.find('\t');
+        std::string text, ascending, descending;
+        for (std::size_t i = 0; i < end; i += 2)
+            text += static_cast<char>(std::stoi(line.substr(i, 2), nullptr, 16));
         if (!appendKey(columnOf(ColumnType::kText), false, text, ascending)) continue;  // codes not known
         appendKey(columnOf(ColumnType::kText), true, text, descending);
-        EXPECT_EQ(test::hex(ascending), fact[2]);
-        EXPECT_EQ(test::hex(descending), fact[3]);
+        EXPECT_EQ(test::hex(ascending) + '\t' + test::hex(descending), line.substr(end + 1)) << text;
         ++compared;
     }
     EXPECT_GT(compared, 1110u);
@@ -199,20 +162,15 @@ TEST(TextKey, CountsTwoHundredAndFiftyFiveCharacters) {
 }
 
 TEST(Values, DecimalsAreWrittenWithTheirScale) {
-    const struct {
-        Decimal value;
-        const char* text;
-    } rows[] = {
+    constexpr std::uint32_t kAll = 0xFFFFFFFF;
+    const std::pair<Decimal, const char*> rows[] = {
         {{false, {0, 0, 0, 0}, 0}, "0"},
         {{false, {0, 0, 0, 0}, 3}, "0.000"},
         {{true, {0, 0, 0, 10}, 4}, "-0.0010"},
-        {{false, {0, 0, 0, 12345}, 2}, "123.45"},
         {{true, {0, 0, 1, 0}, 0}, "-4294967296"},
-        {{false, {0xFFFFFFFF, 0xFFFFFFFF, 0xFFFFFFFF, 0xFFFFFFFF}, 0},
-         "340282366920938463463374607431768211455"},
-    };
-    for (const auto& row : rows)
-        EXPECT_EQ(row.value.toText(), row.text);
+        {{false, {kAll, kAll, kAll, kAll}, 0}, "340282366920938463463374607431768211455"}};
+    for (const auto& [value, text] : rows)
+        EXPECT_EQ(value.toText(), text);
 }
 
 }  // namespace

@@ -6,42 +6,36 @@
 
 #include "jet/storage/Catalog.h"
 #include "jet/storage/IndexCursor.h"
+#include "jet/storage/KeyEncoder.h"
 #include "jet/storage/Table.h"
 #include "platform/Fehler.h"
 
 namespace wendel::jet::test {
 
-inline std::size_t readCells(const RowView& row, std::string& buffer) {
-    std::size_t present = 0;
-    for (std::size_t c = 0; c < row.table().columns.size(); ++c) {
-        const Column& column = row.table().columns[c];
-        buffer.clear();
-        if (!row.isNull(c)) ++present;
-        switch (column.type) {
-            case ColumnType::kBoolean: row.asBool(c); break;
-            case ColumnType::kByte:
-            case ColumnType::kInteger:
-            case ColumnType::kLong: row.asInteger(c); break;
-            case ColumnType::kCurrency: row.asCurrency(c); break;
-            case ColumnType::kSingle:
-            case ColumnType::kDouble:
-            case ColumnType::kDate: row.asDouble(c); break;
-            case ColumnType::kDecimal: buffer = row.asDecimal(c).toText(); break;
-            case ColumnType::kGuid: row.asGuid(c); break;
-            case ColumnType::kText:
-            case ColumnType::kMemo: row.appendText(c, buffer); break;
-            case ColumnType::kBinary:
-            case ColumnType::kOle: row.appendBytes(c, buffer); break;
-            case ColumnType::kUnknown: break;
-        }
+// A cell as a value to look for; texts and bytes live in the buffer, which must be empty.
+inline KeyValue keyValue(const RowView& row, std::size_t column, std::string& buffer) {
+    if (row.isNull(column)) return std::monostate();
+    switch (row.table().columns[column].type) {
+        case ColumnType::kBoolean: return std::int64_t{row.asBool(column) ? -1 : 0};
+        case ColumnType::kByte:
+        case ColumnType::kInteger:
+        case ColumnType::kLong: return std::int64_t{row.asInteger(column)};
+        case ColumnType::kCurrency: return KeyCurrency{row.asCurrency(column)};
+        case ColumnType::kDecimal: return row.asDecimal(column);
+        case ColumnType::kGuid: return row.asGuid(column);
+        case ColumnType::kText:
+        case ColumnType::kMemo: row.appendText(column, buffer); return std::string_view(buffer);
+        case ColumnType::kUnknown: return std::monostate();
+        case ColumnType::kOle:
+        case ColumnType::kBinary: row.appendBytes(column, buffer); return KeyBytes{buffer};
+        default: return row.asDouble(column);
     }
-    return present;
 }
 
 // What was found, and how many of the parts ended in the error for damaged files; any other exception is
 // thrown on. At most `limit` rows of each table and entries of each index.
 struct Found {
-    std::size_t rows = 0, cells = 0, entries = 0, damaged = 0;
+    std::size_t cells = 0, entries = 0, damaged = 0;
 };
 
 inline Found readEverything(Database& database, std::size_t limit = 1000000) {
@@ -54,15 +48,19 @@ inline Found readEverything(Database& database, std::size_t limit = 1000000) {
             ++found.damaged;
         }
     };
-    std::string buffer;
     for (const CatalogEntry& entry : database.entries()) {
         guarded([&] {
             const auto table = database.table(entry.name);
             guarded([&] {
                 TableScan scan(database.file(), *table);
                 for (std::size_t n = 0; n < limit && scan.next(); ++n) {
-                    ++found.rows;
-                    guarded([&] { found.cells += readCells(scan.row(), buffer); });
+                    guarded([&] {
+                        for (std::size_t c = 0; c < table->columns.size(); ++c) {
+                            std::string buffer;
+                            const KeyValue value = keyValue(scan.row(), c, buffer);
+                            found.cells += std::holds_alternative<std::monostate>(value) ? 0 : 1;
+                        }
+                    });
                 }
             });
             for (const Index& index : table->indexes) {

@@ -5,8 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "jet/storage/KeyEncoder.h"
-#include "jet/storage/Row.h"
+#include "platform/Fehler.h"
 
 namespace wendel::jet::test {
 
@@ -14,27 +13,27 @@ namespace wendel::jet::test {
 std::string dataPath(const std::string& name);
 bool haveData();
 
-// The lines of expectations.py for this description, each cut into its fields; `member` may be empty.
-std::vector<std::vector<std::string>> expectations(const std::string& jsonName,
-                                                   const std::string& member = "");
+// What expectations.py prints for these arguments, line by line.
+std::vector<std::string> expectations(const std::vector<std::string>& arguments);
 
-// Lower-case hex of the SHA-256 of the text (FIPS 180-4).
-std::string sha256(std::string_view text);
+// Lower-case digits.
 std::string hex(std::string_view bytes);
-std::string unhex(std::string_view digits);
 
-// A cell as the descriptions write it: Null "\N", yes/no 1/0, dates yyyy-mm-dd hh:mm:ss, single %.9g, double
-// %.17g, currency with four decimals, binary as lower-case hex; backslash, TAB, CR, LF, NUL escaped in texts.
-std::string cellText(const RowView& row, std::size_t column);
-
-// A cell as a value to look for; texts and bytes live in the buffer, which must be empty.
-KeyValue keyValue(const RowView& row, std::size_t column, std::string& buffer);
+// Calls action; the number of the Fehler that it throws, 0 when it succeeds.
+template <class Action>
+int errorOf(const Action& action) {
+    try {
+        action();
+    } catch (const Fehler& e) {
+        return e.nummer();
+    }
+    return 0;
+}
 
 // A copy of the file in a folder of its own that is removed at the end.
 class TemporaryCopy {
   public:
-    explicit TemporaryCopy(const std::string& source);
-    explicit TemporaryCopy();  // no file yet
+    explicit TemporaryCopy(const std::string& source = "");  // "": no file yet
     ~TemporaryCopy();
     TemporaryCopy(const TemporaryCopy&) = delete;
     TemporaryCopy& operator=(const TemporaryCopy&) = delete;
