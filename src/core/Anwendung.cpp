@@ -1,5 +1,6 @@
 #include "core/Anwendung.h"
 
+#include <algorithm>
 #include <utility>
 #include <vector>
 
@@ -98,8 +99,9 @@ void Anwendung::tick() {
 void Anwendung::DoThis(const std::string& text) {
     if (teile_->laeuft) {
         teile_->wendel.SteuerzeileEmpfangen(text);
-    } else {
-        teile_->wartendeZeilen.push_back(text);
+    } else if (auto& zeilen = teile_->wartendeZeilen; std::ranges::find(zeilen, text) == zeilen.end()) {
+        // Once each: a box of the start may stand for hours.
+        zeilen.push_back(text);
     }
 }
 

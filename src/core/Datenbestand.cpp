@@ -4,6 +4,7 @@
 #include <optional>
 #include <utility>
 
+#include "core/Laufend.h"
 #include "platform/Text.h"
 #include "tvdb/Guidekonfiguration.h"
 #include "tvdb/ModulGrundbefehle.h"
@@ -127,6 +128,7 @@ void Datenbestand::fremdeAenderungenUebernehmen() {
 }
 
 void Datenbestand::senderLaden() {
+    const Laufend laufend(zugriffLaeuft_);
     try {
         sender_.laden();
         senderGeladen_ = true;
@@ -159,31 +161,47 @@ std::vector<std::string> Datenbestand::senderkennungen() const {
     return kennungen;
 }
 
+// A box of the access layer may stand for hours while ticks and control lines come in: each with a query of
+// its own would put another box on top, and a tick behind a box shows nothing more.
 void Datenbestand::abfragen() {
+    if (zugriffLaeuft_) {
+        abfrageNachholen_ = true;
+        return;
+    }
+    const Laufend laufend(zugriffLaeuft_);
+    bool gelungen = true;
+    do {
+        // It asks with a later moment than the access that was under way: what lies between would be neither
+        // missed nor to come.
+        if (std::exchange(abfrageNachholen_, false)) verpassteVormerken();
+        gelungen = allesAbfragen();
+    } while (abfrageNachholen_ && gelungen);
+}
+
+// False when something could not be read: the user has given up, and asking again would bring the next box.
+bool Datenbestand::allesAbfragen() {
     if (!senderBereit()) {
         verpassteVormerken();
-        return;
+        return false;
     }
     Terminabfragen abfragen = terminabfragen();
     // One moment for both kinds of reminders: each mark is then either missed or still to come.
     const Datum jetzt = ports_.uhr.jetzt();
-    erinnerungenLesen(abfragen, jetzt);
+    const bool erinnerungenGelesen = erinnerungenLesen(abfragen, jetzt);
     verpassteLesen(abfragen, jetzt);
-    aufzeichnungenLesen(abfragen, jetzt);
+    // Marks that are new to us may pass before the next query succeeds.
+    if (!erinnerungenGelesen) verpassteVormerken();
+    return aufzeichnungenLesen(abfragen, jetzt) && erinnerungenGelesen;
 }
 
-void Datenbestand::erinnerungenLesen(Terminabfragen& abfragen, Datum jetzt) {
+bool Datenbestand::erinnerungenLesen(Terminabfragen& abfragen, Datum jetzt) {
     if (!konfiguration_.erinnerung) {
         erinnerungen_.clear();
-        return;
+        return true;
     }
     const Terminabfrage abfrage = abfragen.ErinnerungenLesen(senderkennungen(), jetzt);
-    if (abfrage.gelungen) {
-        erinnerungen_ = vereinigt(abfrage.termine);
-    } else {
-        // Marks that are new to us may pass before the next query succeeds.
-        verpassteVormerken();
-    }
+    if (abfrage.gelungen) erinnerungen_ = vereinigt(abfrage.termine);
+    return abfrage.gelungen;
 }
 
 // Entries that are due but not shown yet are kept whatever the database says now; shown ones do not come
@@ -214,10 +232,11 @@ void Datenbestand::verpassteLesen(Terminabfragen& abfragen, Datum jetzt) {
     }
 }
 
-void Datenbestand::aufzeichnungenLesen(Terminabfragen& abfragen, Datum jetzt) {
+bool Datenbestand::aufzeichnungenLesen(Terminabfragen& abfragen, Datum jetzt) {
     Terminabfrage abfrage = abfragen.AufzeichnungenLesen(
         senderkennungen(), jetzt, konfiguration_.vorlaufMinuten, konfiguration_.nachlaufMinuten);
     if (abfrage.gelungen) aufzeichnungen_ = std::move(abfrage.termine);
+    return abfrage.gelungen;
 }
 
 }  // namespace wendel

@@ -56,7 +56,8 @@ class Datenbestand {
     // Channels; throws what the access layer throws, the old ones stay.
     void senderLaden();
     // Reminders and recordings; also missed reminders where they are owed, which then stand in the collection
-    // of reminders, due. Failures keep the old collections.
+    // of reminders, due. Failures keep the old collections. Called from inside a box of this or of
+    // senderLaden() it returns at once; the access that is under way is followed by one more if it succeeds.
     void abfragen();
     // The program did not watch for a while: the next abfragen() that succeeds also looks for what was
     // missed.
@@ -75,9 +76,10 @@ class Datenbestand {
     bool senderBereit();
     Terminabfragen terminabfragen();
     std::vector<std::string> senderkennungen() const;
-    void erinnerungenLesen(Terminabfragen& abfragen, Datum jetzt);
+    bool allesAbfragen();
+    bool erinnerungenLesen(Terminabfragen& abfragen, Datum jetzt);
     void verpassteLesen(Terminabfragen& abfragen, Datum jetzt);
-    void aufzeichnungenLesen(Terminabfragen& abfragen, Datum jetzt);
+    bool aufzeichnungenLesen(Terminabfragen& abfragen, Datum jetzt);
     Terminliste vereinigt(const Terminliste& gelesen);
 
     const Ports& ports_;
@@ -97,6 +99,8 @@ class Datenbestand {
     bool ungespeichert_ = false;
     bool verpassteOffen_ = true;
     bool senderGeladen_ = false;
+    bool zugriffLaeuft_ = false;
+    bool abfrageNachholen_ = false;
 };
 
 }  // namespace wendel

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "core/Datenbestand.h"
+#include "core/Laufend.h"
 #include "core/Liveupdatetext.h"
 #include "core/ModulInterneKommunikation.h"
 #include "platform/ModulFenster.h"
@@ -68,9 +69,17 @@ void FormWendel::RefreshTVDaten() {
     TaskBarIconAktualisieren();
 }
 
+// Its boxes let further lines in, whose boxes would pile up on top: they are one more pass afterwards.
 void FormWendel::refreshKonfig() {
-    // Appointments that could not be stored must not be replaced by older ones.
-    const bool gespeichert = bestand_.speichernWennNoetig();
+    konfigVeraltet_ = true;
+    if (konfigLaeuft_) return;
+    const Laufend laufend(konfigLaeuft_);
+    while (std::exchange(konfigVeraltet_, false) && !beendet_)
+        konfigNeuLesen();
+}
+
+void FormWendel::konfigNeuLesen() {
+    static_cast<void>(bestand_.speichernWennNoetig());
     bestand_.einstellungenLesen();
     bestand_.pfadeBestimmen();
     bestand_.hauptanwendungTitelLesen();
@@ -79,7 +88,9 @@ void FormWendel::refreshKonfig() {
     } catch (const std::exception&) {
         // Told by the database access; the channels known before stay.
     }
-    if (gespeichert) bestand_.termineLaden();
+    // Appointments that could not be stored must not be replaced by older ones. Stored once more, since the
+    // boxes before may have let a notice be answered.
+    if (bestand_.speichernWennNoetig()) bestand_.termineLaden();
     bestand_.abfragen();
     nachholen(bestand_.eigene(), ports_.uhr.jetzt());
     Ausfüllen();

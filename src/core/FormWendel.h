@@ -22,9 +22,8 @@ class Datenbestand;
 class FormHinweis;
 class ModulInterneKommunikation;
 
-// Mouse messages that the icon sends in the second parameter of kIconNachricht.
+// Mouse message that the icon sends in the second parameter of kIconNachricht.
 inline constexpr std::uint32_t kMausLinksDoppelklick = 515;
-inline constexpr std::uint32_t kMausRechtsLos = 517;
 
 class FormWendel {
   public:
@@ -82,13 +81,10 @@ class FormWendel {
     // From here on ExitProgram has appointments to take care of; set by start-up.
     void setzeGeladen() { geladen_ = true; }
 
-    // The rows as the window shows them, and the entry behind each.
-    const std::vector<Terminzeile>& zeilen() const { return zeilen_; }
-    const Terminliste& zeilentermine() const { return zeilentermine_; }
-
   private:
     void terminupdate();
     void refreshKonfig();
+    void konfigNeuLesen();
     void zeilenZeigen(std::vector<Terminzeile> zeilen, Terminliste termine);
     void iconDoppelklick();
     IconDatensatz datensatz(std::string_view tipp);
@@ -108,6 +104,8 @@ class FormWendel {
     bool geladen_ = false;
     bool beendet_ = false;
     bool beschaeftigt_ = false;
+    bool konfigLaeuft_ = false;
+    bool konfigVeraltet_ = false;
 };
 
 }  // namespace wendel

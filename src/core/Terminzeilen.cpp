@@ -21,10 +21,6 @@ const char* symbolname(Terminart art) {
     return "terminuhr2";
 }
 
-bool wiederholtSich(const cTermin& termin) {
-    return termin.Intervall >= intervall::kTaeglich && termin.Intervall <= intervall::kWoechentlich;
-}
-
 std::string zeittext(const cTermin& termin) {
     return Format(termin.WeckZeit, wiederholtSich(termin) ? "ddd hh\\:nn" : "dd\\.mm\\.yy hh\\:nn");
 }

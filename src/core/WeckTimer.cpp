@@ -32,6 +32,8 @@ void sammleFaellige(const Terminliste& termine, Datum jetzt, Terminliste& faelli
     }
 }
 
+bool istLuecke(Datum von, Datum bis) { return bis.sekunden() - von.sekunden() > kLueckeSekunden; }
+
 bool neueMinute(Datum letzter, Datum jetzt) {
     const bool volleMinute = jetzt.sekunden() % 60 == 0 && jetzt != letzter;
     return volleMinute || jetzt.sekunden() / 60 != letzter.sekunden() / 60;
@@ -46,17 +48,20 @@ void WeckTimer::starten() { letzterTick_ = wachBis_ = ports_.uhr.jetzt(); }
 
 void WeckTimer::Timer() {
     if (form_.beschaeftigt() || form_.beendet()) return;
+    const Datum beginn = ports_.uhr.jetzt();
     try {
-        schritte(ports_.uhr.jetzt());
+        schritte(beginn);
     } catch (const std::exception&) {
         // Nobody may be there to read a box, and one a second would bury the screen. What is still due comes
         // with the next tick.
     }
     wachBis_ = ports_.uhr.jetzt();
+    // A box stood: asking at once might bring the next one, so that is left to the next query.
+    if (istLuecke(beginn, wachBis_)) bestand_.verpassteVormerken();
 }
 
 void WeckTimer::schritte(Datum jetzt) {
-    const bool luecke = jetzt.sekunden() - wachBis_.sekunden() > kLueckeSekunden;
+    const bool luecke = istLuecke(wachBis_, jetzt);
     const bool minutenwechsel = neueMinute(letzterTick_, jetzt);
     letzterTick_ = wachBis_ = jetzt;
     if (minutenwechsel) minutenlauf(jetzt);
@@ -110,7 +115,11 @@ void WeckTimer::nachzueglerHinweisen() {
     if (faellige.empty()) return;
     const Beschaeftigt waehrenddessen(form_);
     ausgabe_.zeigen(ausgabe_.feuern(faellige, jetzt));
-    bestand_.abfragen();
+    // A box of the query would keep back own appointments that are due as well: the next tick shows them and
+    // then asks.
+    Terminliste eigene;
+    sammleFaellige(bestand_.eigene(), jetzt, eigene);
+    if (eigene.empty()) bestand_.abfragen();
     auffrischen();
 }
 

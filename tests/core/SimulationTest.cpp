@@ -265,38 +265,20 @@ class Welt {
     // ---- what happens to the program ----
 
     void ereignis() {
-        switch (zahl(0, 19)) {
-            case 0:
-            case 1:
-            case 2: neueTermine(); break;
-            case 3:
-            case 4:
-            case 5:
-            case 6: neueMarkierungen(); break;
-            case 7:
-            case 8:
-            case 9: schlaf(zahl(61, 3600)); break;
-            case 10: nacht(); break;
-            case 11:
-            case 12:
-                ++statistik["late tick"];
-                vor(zahl(2, 60));
-                break;
-            case 13: uhrsprung(); break;
-            case 14: sperren(); break;
-            case 15:
-            case 16: scharfstellen(); break;
-            case 17:
-                ++statistik["killed"];
-                tot();
-                starteBisEsLaeuft();
-                break;
-            case 18: steuerzeile("terminupdate"); break;
-            default: steuerzeile("refreshkonfig"); break;
-        }
+        const int was = zahl(0, 19);
+        if (was <= 2) return neueTermine();
+        if (was <= 6) return neueMarkierungen();
+        if (was <= 9) return schlaf(zahl(61, 3600));
+        if (was == 10) return schlaf(zahl(6, 14) * 3600 + zahl(0, 3599));
+        if (was <= 12) return vor(zahl(2, 60));  // a late tick
+        if (was == 13) return uhrsprung();
+        if (was == 14) return sperren();
+        if (was <= 16) return scharfstellen();
+        if (was >= 18) return steuerzeile(was == 18 ? "terminupdate" : "refreshkonfig");
+        ++statistik["killed"];
+        tot();
+        starteBisEsLaeuft();
     }
-
-    void nacht() { schlaf(zahl(6, 14) * 3600 + zahl(0, 3599)); }
 
     // Another computer may mark broadcasts meanwhile; nobody tells the sleeping program.
     void schlaf(int sekunden) {

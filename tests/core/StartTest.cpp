@@ -8,83 +8,68 @@ namespace wendel {
 namespace {
 
 using testing::ElementsAre;
+using testing::HasSubstr;
 using Kasten = FakeMeldungen::Kasten;
 
-// The calls that begin with one of the names, in their order.
-std::vector<std::string> nurAufrufe(const Programm& programm, const std::vector<std::string>& namen) {
-    std::vector<std::string> ergebnis;
-    for (const std::string& zeile : programm.ports.aufrufe.zeilen) {
-        for (const std::string& name : namen) {
-            if (zeile.starts_with(name)) ergebnis.push_back(name);
-        }
-    }
-    return ergebnis;
-}
+constexpr const char* kOffenerHinweis = "20121224195500\t0\toffen\tTee\n";
 
-TEST(Start, EverythingHappensInItsOrder) {
-    Programm programm;
-    programm.ports.dateien.lege("\\suite\\hinweise.txt", "20121224195500\t0\toffen\tTee\n");
-    ASSERT_EQ(programm.starte(""), Startergebnis::Laeuft);
-    EXPECT_THAT(programm.ports.automation.wartemeldung,
+struct Start : testing::Test, Programm {};
+struct Hauptanwendung : testing::Test, Programm {};
+
+TEST_F(Start, EverythingHappensInItsOrder) {
+    ports.dateien.lege("\\suite\\hinweise.txt", kOffenerHinweis);
+    ASSERT_EQ(starte(""), Startergebnis::Laeuft);
+    EXPECT_THAT(ports.automation.wartemeldung,
                 testing::Optional(FakeAutomation::Wartemeldung{
                     "", "Eine Datenbankabfrage läuft bereits. Bitte warten Sie einen Augenblick.", 30000}));
-    EXPECT_THAT(
-        nurAufrufe(programm,
-                   {"FormHinweis.zeigen", "FormWendel.", "TaskleistenSymbol.", "Uhr.nachrichtenVerarbeiten"}),
-        ElementsAre("FormHinweis.zeigen", "TaskleistenSymbol.", "Uhr.nachrichtenVerarbeiten", "FormWendel."));
-    EXPECT_THAT(
-        programm.ports.datenbanken->anweisungen(),
-        ElementsAre("Select * from Sender Order by Favorit*10000000+SortNr*10000+SortNrKestrin",
-                    testing::StartsWith("Select Distinct Optionen,Datum,Uhrzeit,Sendung,Senderkennung "
-                                        "from Markierungen"),
-                    testing::HasSubstr("Erinnerung=true"), testing::HasSubstr("Aufzeichnung=true")));
-    EXPECT_EQ(programm.hinweis->text, "Sie wollten sich erinnern lassen.\r\nTee");
-    EXPECT_TRUE(programm.fenster->gezeigt);
-    EXPECT_EQ(programm.fenster->liveUpdate, "Das Live-Update ist momentan deaktiviert.");
-    EXPECT_EQ(programm.anwendung->werte().hauptanwendungTitel, "Kestrin Pirrow");
-    EXPECT_EQ(programm.anwendung->werte().hilfedatei, "\\suite\\fennow.hlp");
-    EXPECT_TRUE(programm.ports.meldungen.gezeigt.empty());
+    std::vector<std::string> reihe;
+    for (const std::string& zeile : ports.aufrufe.zeilen) {
+        for (const char* name : {"FormHinweis.z", "FormWendel.", "TaskleistenSymbol.", "Uhr.nachrichten"}) {
+            if (zeile.starts_with(name)) reihe.push_back(name);
+        }
+    }
+    EXPECT_THAT(reihe, ElementsAre("FormHinweis.z", "TaskleistenSymbol.", "Uhr.nachrichten", "FormWendel."));
+    EXPECT_THAT(ports.datenbanken->anweisungen(),
+                ElementsAre("Select * from Sender Order by Favorit*10000000+SortNr*10000+SortNrKestrin",
+                            HasSubstr("Optionen,Datum,Uhrzeit,Sendung,"),
+                            HasSubstr("Optionen,Datum,Uhrzeit,Dauer"), HasSubstr("Aufzeichnung=true")));
+    EXPECT_EQ(hinweis->text, "Sie wollten sich erinnern lassen.\r\nTee");
+    EXPECT_EQ(anwendung->werte().hauptanwendungTitel, "Kestrin Pirrow");
+    EXPECT_EQ(anwendung->werte().hilfedatei, "\\suite\\fennow.hlp");
+    EXPECT_TRUE(ports.meldungen.gezeigt.empty());
 }
 
-TEST(Start, SwitchesAreFoundAnywhereInTheCommandLine) {
+// The wait counts on the clock that no step moves.
+TEST_F(Start, SwitchesAreFoundAnywhereInTheCommandLine) {
     struct Zeile {
         const char* befehlszeile;
         bool gewartet, sichtbar, maus;
     };
     const Zeile zeilen[] = {
         {"", false, true, true},
-        {"/m", false, false, true},
-        {"/M", false, false, true},
-        {"xx/mxx", false, false, true},
-        {"/pcstart", true, true, true},
+        {"xx/Mxx", false, false, true},
         {"/PCStart /m", true, false, true},
         {"/notrayreaction", false, true, false},
-        {"/NOTRAYREACTION", false, true, true},
-        {"/d:31.12.98 /z:20:15", false, true, true},
+        {"/NOTRAYREACTION /d:31.12.98 /z:20:15", false, true, true},
     };
     for (const Zeile& zeile : zeilen) {
         SCOPED_TRACE(zeile.befehlszeile);
         Programm programm;
-        const auto beginn = programm.ports.uhr.laufzeitMs();
+        programm.ports.uhr.beimSchlafen = [&](int) { programm.ports.uhr.stelle(moment(2013, 6, 1)); };
         ASSERT_EQ(programm.starte(zeile.befehlszeile), Startergebnis::Laeuft);
-        EXPECT_EQ(programm.ports.uhr.laufzeitMs() - beginn, zeile.gewartet ? 60000 : 0);
         EXPECT_EQ(programm.ports.uhr.schlafdauern, std::vector<int>(zeile.gewartet ? 60 : 0, 1000));
         EXPECT_EQ(programm.fenster->gezeigt, zeile.sichtbar);
         EXPECT_EQ(programm.anwendung->fensterNachricht(1025, 1, 512), zeile.maus);
     }
 }
 
-TEST(Start, WaitAfterSystemStartIgnoresClockSteps) {
-    Programm programm;
-    programm.ports.uhr.beimSchlafen = [&](int) { programm.ports.uhr.stelle(moment(2013, 6, 1)); };
-    programm.starte("/pcstart");
-    EXPECT_EQ(programm.ports.uhr.schlafdauern.size(), 60u);
-}
-
-TEST(Start, HelpBoxAndNothingElse) {
-    Programm programm;
-    EXPECT_EQ(programm.starte("/m /?"), Startergebnis::Hilfe);
-    EXPECT_THAT(programm.ports.meldungen.gezeigt,
+TEST_F(Start, HelpBoxAndSecondCopyOpenNothing) {
+    EXPECT_EQ(starte("/m /?"), Startergebnis::Hilfe);
+    springe(um(21, 0));
+    ersteKopie = false;
+    EXPECT_EQ(starte("/?"), Startergebnis::ZweiteKopie);
+    EXPECT_FALSE(fenster->geladen);
+    EXPECT_THAT(ports.meldungen.gezeigt,
                 ElementsAre(Kasten{"Folgende Parameter können verwendet werden:\r\n"
                                    "/m\t\t minimiert das Fenster\r\n"
                                    "/d:31.12.98\t setzt das Weckdatum\r\n"
@@ -92,41 +77,16 @@ TEST(Start, HelpBoxAndNothingElse) {
                                    "/notrayreaction\t (reserviert für Programmierer)\r\n"
                                    "/?\t\t zeigt diese Hilfe\r\n",
                                    64, "Mögliche Startparameter"}));
-    EXPECT_FALSE(programm.fenster->gezeigt);
-    EXPECT_TRUE(programm.ports.symbol.symbole.empty());
-    EXPECT_EQ(programm.ports.datenbanken->geoeffnet, 0);
-    programm.springe(um(21, 0));
-    EXPECT_EQ(programm.ports.aufrufe.anzahl(Portart::Dateisystem), 0);
+    for (const Portart art : {Portart::Dateisystem, Portart::TaskleistenSymbol, Portart::Datenbank})
+        EXPECT_EQ(ports.aufrufe.anzahl(art), 0);
 }
 
-TEST(Start, SecondCopyEndsSilentlyWithoutTouchingAnything) {
-    Programm programm;
-    programm.ersteKopie = false;
-    for (const char* zeile : {"", "/?"}) {
-        EXPECT_EQ(programm.starte(zeile), Startergebnis::ZweiteKopie);
-        EXPECT_FALSE(programm.fenster->geladen);
-    }
-    EXPECT_TRUE(programm.ports.meldungen.gezeigt.empty());
-    EXPECT_EQ(programm.ports.aufrufe.anzahl(Portart::Dateisystem), 0);
-    EXPECT_EQ(programm.ports.aufrufe.anzahl(Portart::TaskleistenSymbol), 0);
-}
-
-TEST(Start, AsksForEachPathThatIsNotThere) {
-    struct Zeile {
-        const char* name;
-        Antwort datenbank, ordner;
-        const char *datei, *hyperlinks;
-    };
-    const Zeile zeilen[] = {
-        {"local ones", Antwort::Ja, Antwort::Ja, "\\suite\\tvdaten.mdb", "\\suite\\Hyperlinks\\"},
-        {"configured ones", Antwort::Nein, Antwort::Nein, "d:\\tv\\tv.mdb", "d:\\tv\\links\\"},
-    };
-    for (const Zeile& zeile : zeilen) {
-        SCOPED_TRACE(zeile.name);
+TEST_F(Start, AsksForEachPathThatIsNotThere) {
+    for (const bool ja : {true, false}) {
         Programm programm;
         programm.setze(einstellung::kDatenbank, Variant::text("d:\\tv\\tv.mdb"));
         programm.setze(einstellung::kHyperlinks, Variant::text("d:\\tv\\links"));
-        programm.ports.meldungen.antworten = {zeile.datenbank, zeile.ordner};
+        programm.ports.meldungen.antworten.assign(2, ja ? Antwort::Ja : Antwort::Nein);
         programm.starte();
         EXPECT_THAT(
             programm.ports.meldungen.gezeigt,
@@ -136,91 +96,60 @@ TEST(Start, AsksForEachPathThatIsNotThere) {
                         Kasten{"Der Hyperlinks-Ordner \"d:\\tv\\links\\\" kann nicht gefunden werden.\r\n"
                                "Möchten Sie stattdessen den lokalen Ordner verwenden?",
                                52, "Hyperlinks-Ordner"}));
-        EXPECT_EQ(programm.anwendung->werte().datenbankdatei, zeile.datei);
-        EXPECT_EQ(programm.anwendung->werte().hyperlinksOrdner, zeile.hyperlinks);
-        EXPECT_EQ(programm.anwendung->werte().guideKonfigurationsdatei, "kestrin.cfg");
+        EXPECT_EQ(programm.anwendung->werte().datenbankdatei, ja ? "\\suite\\tvdaten.mdb" : "d:\\tv\\tv.mdb");
+        EXPECT_EQ(programm.anwendung->werte().hyperlinksOrdner,
+                  ja ? "\\suite\\Hyperlinks\\" : "d:\\tv\\links\\");
     }
 }
 
-TEST(Start, LockedDatabaseLeavesIconTimerAndOwnAppointments) {
-    Programm programm;
-    programm.tvDaten.gesperrt = true;
-    programm.tvDaten.sperrnummer = 3343;
-    programm.setzeTermine({{um(20, 5), "Tee", 0, true}});
-    ASSERT_EQ(programm.starte(), Startergebnis::Laeuft);
-    EXPECT_EQ(programm.ports.symbol.symbole.size(), 1u);
-    EXPECT_FALSE(programm.ports.meldungen.gezeigt.empty());
-    programm.bis(um(20, 5));
-    EXPECT_EQ(programm.hinweis->text, "Sie wollten sich erinnern lassen.\r\nTee");
-}
-
-TEST(Start, AnswerDuringStartupKeepsTheStoredAppointments) {
-    Programm programm;
-    programm.ports.dateien.lege("\\suite\\hinweise.txt", "20121224195500\t0\toffen\tTee\n");
-    programm.setzeTermine({{um(21, 0), "Kuchen", 0, true}});
-    programm.setze(einstellung::kDatenbank, Variant::text("d:\\fehlt.mdb"));
-    programm.ports.meldungen.imKasten = [&](const Kasten&) { programm.beantworte(1); };
-    programm.starte();
-    EXPECT_THAT(programm.gespeicherteTermine(), ElementsAre(GespeicherterTermin{um(21, 0), "Kuchen", 0, true},
-                                                            GespeicherterTermin{um(20, 2), "Tee", 0, true}));
-}
-
-TEST(Start, EndingWhileItStartsLeavesNoIcon) {
-    Programm programm;
-    programm.erschaffe("");
-    programm.ports.uhr.beiNachrichten = [&] { programm.anwendung->beenden(); };
-    EXPECT_EQ(programm.anwendung->starten(), Startergebnis::Beendet);
-    EXPECT_TRUE(programm.ports.symbol.symbole.empty());
-    EXPECT_FALSE(programm.fenster->geladen);
-}
-
-TEST(Start, ControlLinesThatComeTooEarlyActAfterwards) {
-    Programm programm;
-    programm.erschaffe("/m");
-    programm.anwendung->DoThis("showwendel");
-    EXPECT_EQ(programm.fenster->nachVornGeholt, 0);
-    programm.anwendung->starten();
-    EXPECT_EQ(programm.fenster->nachVornGeholt, 1);
-}
-
-TEST(Hauptanwendung, DoubleClickSendsStartsOrTells) {
-    struct Zeile {
-        const char* name;
-        bool fenster, prozess;
-        int starterergebnis;
-        std::vector<FakeAutomation::Ruf> rufe;
-        std::vector<FakeStarter::Start> starts;
-        std::vector<Kasten> kaesten;
+// All that can go wrong at once: no database, boxes, a notice answered and lines received inside them.
+TEST_F(Start, BoxesLoseNoAppointmentAndNoControlLine) {
+    ports.dateien.lege("\\suite\\hinweise.txt", kOffenerHinweis);
+    setzeTermine({{um(21, 0), "Kuchen", 0, true}});
+    tvDaten.gesperrt = true;
+    ports.meldungen.imKasten = [&](const Kasten&) {
+        beantworte(1);
+        anwendung->DoThis("showwendel");
+        EXPECT_EQ(fenster->nachVornGeholt, 0);
     };
-    const FakeStarter::Start start{"\\suite\\fennow.exe", "/commandtext=\"Aktivieren\"", "\\suite", 1};
-    const Zeile zeilen[] = {
-        {"window and process", true, true, 33, {{"Fennow.Open", "Aktivieren"}}, {}, {}},
-        {"window of something else", true, false, 33, {}, {}, {}},
-        {"not running", false, false, 33, {}, {start}, {}},
-        {"cannot be started",
-         false,
-         false,
-         2,
-         {},
-         {start},
-         {{"Die folgende Datei kann nicht gestartet werden:\r\n\"\\suite\\fennow.exe "
-           "/commandtext=\"Aktivieren\"",
-           48, "Fehler"}}},
-    };
-    for (const Zeile& zeile : zeilen) {
-        SCOPED_TRACE(zeile.name);
+    ASSERT_EQ(starte(), Startergebnis::Laeuft);
+    ports.meldungen.imKasten = nullptr;
+    EXPECT_GT(ports.meldungen.gezeigt.size(), 1u);
+    EXPECT_EQ(fenster->nachVornGeholt, 1);
+    EXPECT_EQ(ports.symbol.symbole.size(), 1u);
+    EXPECT_EQ(gespeicherteTermine().size(), 2u);
+    bis(um(21, 0));
+    EXPECT_THAT(hinweis->text, HasSubstr("Kuchen"));
+}
+
+TEST_F(Start, EndingWhileItStartsLeavesNoIcon) {
+    erschaffe("");
+    ports.uhr.beiNachrichten = [&] { anwendung->beenden(); };
+    EXPECT_EQ(anwendung->starten(), Startergebnis::Beendet);
+    EXPECT_TRUE(ports.symbol.symbole.empty());
+    EXPECT_FALSE(fenster->geladen);
+}
+
+TEST_F(Hauptanwendung, DoubleClickSendsStartsOrTells) {
+    for (const bool laeuft : {true, false}) {
         Programm programm;
         programm.setze(einstellung::kDoppelklick, Variant::integer(1));
-        programm.ports.dateien.lege("\\suite\\kestrin.cfg", "appname=Guide\r\n");
-        if (zeile.fenster) programm.ports.fenster.fenster[9] = {"Guide", 9, false, true};
-        if (zeile.prozess) programm.ports.prozesse.laufende = {{"\\suite\\fennow.exe", 5}};
-        programm.ports.starter.ergebnis = zeile.starterergebnis;
+        if (laeuft) programm.ports.fenster.fenster[9] = {"Kestrin Pirrow", 9, false, true};
+        programm.ports.starter.ergebnis = 2;
         programm.starte();
-        EXPECT_TRUE(programm.anwendung->fensterNachricht(1025, 1, 515));
-        EXPECT_EQ(programm.ports.automation.rufe, zeile.rufe);
-        EXPECT_EQ(programm.ports.starter.gestartet, zeile.starts);
-        EXPECT_EQ(programm.ports.meldungen.gezeigt, zeile.kaesten);
-        EXPECT_EQ(programm.fenster->nachVornGeholt, 0);
+        programm.anwendung->fensterNachricht(1025, 1, 515);  // a window without the process: nothing is sent
+        programm.ports.prozesse.laufende = {{"\\suite\\fennow.exe", 5}};
+        programm.anwendung->fensterNachricht(1025, 1, 515);
+        using Rufe = std::vector<FakeAutomation::Ruf>;
+        EXPECT_EQ(programm.ports.automation.rufe, Rufe(laeuft ? 1 : 0, {"Fennow.Open", "Aktivieren"}));
+        const std::vector<FakeStarter::Start> starts(
+            laeuft ? 0 : 2, {"\\suite\\fennow.exe", "/commandtext=\"Aktivieren\"", "\\suite", 1});
+        EXPECT_EQ(programm.ports.starter.gestartet, starts);
+        const Kasten kasten{
+            "Die folgende Datei kann nicht gestartet werden:\r\n"
+            "\"\\suite\\fennow.exe /commandtext=\"Aktivieren\"",
+            48, "Fehler"};
+        EXPECT_EQ(programm.ports.meldungen.gezeigt, std::vector<Kasten>(laeuft ? 0 : 2, kasten));
     }
 }
 
