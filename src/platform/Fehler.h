@@ -15,7 +15,6 @@ inline constexpr int kUngueltigesArgument = 5;
 inline constexpr int kUeberlauf = 6;
 inline constexpr int kIndex = 9;
 inline constexpr int kTyp = 13;
-inline constexpr int kDateiNichtGefunden = 53;
 inline constexpr int kPfadNichtGefunden = 76;
 inline constexpr int kNull = 94;
 inline constexpr int kDoppelterSchluessel = 457;

@@ -77,8 +77,6 @@ std::vector<std::string> FakeDateisystem::dateien() const {
     return namen;
 }
 
-bool FakeDateisystem::hatOrdner(const std::string& pfad) const { return ordner_.contains(ordnerpfad(pfad)); }
-
 void FakeDateisystem::scheitereBeimSchreiben(int n, bool teilweise) {
     schreibfehlerIn_ = n;
     schreibfehlerTeilweise_ = teilweise;
@@ -103,38 +101,31 @@ bool FakeDateisystem::vorgang(std::string_view name, const std::string& pfad) {
     return !(scheitert && scheitert(std::string(name), pfad));
 }
 
-FakeDateisystem::Erlaubnis FakeDateisystem::dauerhaft() {
+bool FakeDateisystem::dauerhaft(const std::function<void()>& ganz, const std::function<void()>& halb) {
     ++dauerhafteVorgaenge;
-    if (absturzIn_ > 0 && --absturzIn_ == 0) {
-        tot_ = true;
-        switch (rest_) {
-            case Rest::Nichts: return {Umfang::GarNicht, true};
-            case Rest::Haelfte: return {Umfang::Halb, true};
-            case Rest::Alles: return {Umfang::Ganz, true};
-        }
+    tot_ = absturzIn_ > 0 && --absturzIn_ == 0;
+    const bool scheitertJetzt = !tot_ && schreibfehlerIn_ > 0 && --schreibfehlerIn_ == 0;
+    if (tot_ ? rest_ == Rest::Alles : !scheitertJetzt) {
+        ganz();
+    } else if (halb && (tot_ ? rest_ == Rest::Haelfte : schreibfehlerTeilweise_)) {
+        halb();
     }
-    if (schreibfehlerIn_ > 0 && --schreibfehlerIn_ == 0) {
-        return {schreibfehlerTeilweise_ ? Umfang::Halb : Umfang::GarNicht, false};
-    }
-    return {};
+    if (tot_) throw Absturz{};
+    return !scheitertJetzt;
 }
 
-bool FakeDateisystem::abschluss(const Erlaubnis& erlaubnis) {
-    if (erlaubnis.danachAbsturz) throw Absturz{};
-    return erlaubnis.umfang == Umfang::Ganz;
-}
-
-bool FakeDateisystem::schreibe(std::string_view name, const std::string& pfad, bool teilbar,
-                               const std::function<void(std::string&, std::string_view)>& tue,
-                               std::string_view inhalt) {
+bool FakeDateisystem::schreibbar(std::string_view name, const std::string& pfad) {
     if (!vorgang(name, pfad)) return false;
     const std::string ziel = absolut(pfad);
-    if (pfad.empty() || !ordner_.contains(zerlege(ziel).first) || ordner_.contains(ziel + "\\")) return false;
-    if (nurLesen.contains(pfad) || nurLesen.contains(ziel)) return false;
-    const Erlaubnis erlaubnis = dauerhaft();
-    if (erlaubnis.umfang == Umfang::Ganz) tue(dateien_[ziel], inhalt);
-    if (erlaubnis.umfang == Umfang::Halb && teilbar) tue(dateien_[ziel], inhalt.substr(0, inhalt.size() / 2));
-    return abschluss(erlaubnis);
+    return !pfad.empty() && ordner_.contains(zerlege(ziel).first) && !ordner_.contains(ziel + "\\") &&
+           !nurLesen.contains(pfad) && !nurLesen.contains(ziel);
+}
+
+bool FakeDateisystem::schreibe(std::string_view name, const std::string& pfad, std::string_view inhalt,
+                               const std::function<void(std::string&, std::string_view)>& tue) {
+    if (!schreibbar(name, pfad)) return false;
+    const auto bis = [&](std::size_t laenge) { tue(dateien_[absolut(pfad)], inhalt.substr(0, laenge)); };
+    return dauerhaft([&] { bis(inhalt.size()); }, [&] { bis(inhalt.size() / 2); });
 }
 
 // ---- the port ----
@@ -157,64 +148,51 @@ std::optional<std::string> FakeDateisystem::lesen(const std::string& pfad) {
 
 bool FakeDateisystem::anlegen(const std::string& pfad) {
     if (dateien_.contains(absolut(pfad))) return vorgang("anlegen", pfad);
-    return schreibe("anlegen", pfad, false, [](std::string&, std::string_view) {}, {});
+    return schreibbar("anlegen", pfad) && dauerhaft([&] { dateien_[absolut(pfad)]; });
 }
 
 bool FakeDateisystem::ueberschreibenAmAnfang(const std::string& pfad, std::string_view inhalt) {
-    const auto tue = [](std::string& datei, std::string_view teil) {
+    return schreibe("ueberschreibenAmAnfang", pfad, inhalt, [](std::string& datei, std::string_view teil) {
         datei.replace(0, std::min(datei.size(), teil.size()), teil);
-    };
-    return schreibe("ueberschreibenAmAnfang", pfad, true, tue, inhalt);
+    });
 }
 
 bool FakeDateisystem::schreiben(const std::string& pfad, std::string_view inhalt) {
-    return schreibe(
-        "schreiben", pfad, true, [](std::string& datei, std::string_view teil) { datei = teil; }, inhalt);
+    return schreibe("schreiben", pfad, inhalt,
+                    [](std::string& datei, std::string_view teil) { datei = teil; });
 }
 
 bool FakeDateisystem::ersetzen(const std::string& pfad, std::string_view inhalt) {
-    return schreibe(
-        "ersetzen", pfad, false, [](std::string& datei, std::string_view teil) { datei = teil; }, inhalt);
+    return schreibbar("ersetzen", pfad) && dauerhaft([&] { dateien_[absolut(pfad)] = inhalt; });
 }
 
 bool FakeDateisystem::anhaengen(const std::string& pfad, std::string_view inhalt) {
-    return schreibe(
-        "anhaengen", pfad, true, [](std::string& datei, std::string_view teil) { datei += teil; }, inhalt);
+    return schreibe("anhaengen", pfad, inhalt,
+                    [](std::string& datei, std::string_view teil) { datei += teil; });
 }
 
 bool FakeDateisystem::loeschen(const std::string& pfad) {
-    if (!vorgang("loeschen", pfad)) return false;
-    const std::string ziel = absolut(pfad);
-    if (!dateien_.contains(ziel) || nurLesen.contains(pfad) || nurLesen.contains(ziel)) return false;
-    const Erlaubnis erlaubnis = dauerhaft();
-    if (erlaubnis.umfang == Umfang::Ganz) dateien_.erase(ziel);
-    return abschluss(erlaubnis);
+    return schreibbar("loeschen", pfad) && dateien_.contains(absolut(pfad)) &&
+           dauerhaft([&] { dateien_.erase(absolut(pfad)); });
 }
 
 bool FakeDateisystem::umbenennen(const std::string& von, const std::string& nach) {
-    if (!vorgang("umbenennen", von)) return false;
     const std::string quelle = absolut(von), ziel = absolut(nach);
-    if (!dateien_.contains(quelle) || dateien_.contains(ziel)) return false;
-    if (!ordner_.contains(zerlege(ziel).first)) return false;
-    const Erlaubnis erlaubnis = dauerhaft();
-    if (erlaubnis.umfang == Umfang::Ganz) {
-        auto knoten = dateien_.extract(quelle);
-        knoten.key() = ziel;
-        dateien_.insert(std::move(knoten));
-    }
-    return abschluss(erlaubnis);
+    if (!vorgang("umbenennen", von) || !dateien_.contains(quelle) || dateien_.contains(ziel)) return false;
+    return ordner_.contains(zerlege(ziel).first) && dauerhaft([&] {
+               auto knoten = dateien_.extract(quelle);
+               knoten.key() = ziel;
+               dateien_.insert(std::move(knoten));
+           });
 }
 
 bool FakeDateisystem::ordnerAnlegen(const std::string& pfad) {
     if (!vorgang("ordnerAnlegen", pfad) || pfad.empty()) return false;
-    if (hatOrdner(pfad)) return true;
-    const Erlaubnis erlaubnis = dauerhaft();
-    if (erlaubnis.umfang == Umfang::Ganz) legeOrdner(pfad);
-    return abschluss(erlaubnis);
+    return ordner_.contains(ordnerpfad(pfad)) || dauerhaft([&] { legeOrdner(pfad); });
 }
 
 bool FakeDateisystem::ordnerWechseln(const std::string& pfad) {
-    if (!vorgang("ordnerWechseln", pfad) || pfad.empty() || !hatOrdner(pfad)) return false;
+    if (!vorgang("ordnerWechseln", pfad) || pfad.empty() || !ordner_.contains(ordnerpfad(pfad))) return false;
     aktuell_ = ordnerpfad(pfad);
     return true;
 }

@@ -23,7 +23,7 @@ void stoereNachPlan(const Zustand& zustand, const std::string& sql) {
     if (zustand->naechsteFehler.empty()) return;
     const int nummer = zustand->naechsteFehler.front();
     zustand->naechsteFehler.pop_front();
-    if (nummer != 0) throw Fehler(nummer, "FakeDatenbank", zustand->fehlertext);
+    if (nummer != 0) throw Fehler(nummer, "FakeDatenbank", "Gesperrt.");
 }
 
 // Nothing when the script does not know the statement; throws the failure that it prescribes.
@@ -44,7 +44,7 @@ class FakeRecordset : public Recordset {
     FakeRecordset(Zustand zustand, std::shared_ptr<int> offene, FakeTabelle tabelle)
         : zustand_(std::move(zustand)), offene_(std::move(offene)), tabelle_(std::move(tabelle)) {
         ++*offene_;
-        ++zustand_->recordsetsGeoeffnet;
+        ++zustand_->recordsets;
     }
     ~FakeRecordset() override { schliesse(); }
     FakeRecordset(const FakeRecordset&) = delete;
@@ -97,7 +97,7 @@ class FakeRecordset : public Recordset {
     void schliesse() {
         if (std::exchange(geschlossen_, true)) return;
         --*offene_;
-        ++zustand_->recordsetsGeschlossen;
+        --zustand_->recordsets;
     }
 
     Zustand zustand_;
@@ -137,7 +137,7 @@ class FakeDatenbank : public Datenbank {
         antwortAuf(zustand_, sql);
     }
 
-    int recordsetsCount() override { return *offene_ + zustand_->fremdeRecordsets; }
+    int recordsetsCount() override { return *offene_; }
 
     void close() override {
         merke(zustand_, "closeDatabase", pfad_);
@@ -188,14 +188,6 @@ std::vector<std::string> FakeDatenbankzustand::anweisungen() const {
     std::vector<std::string> texte;
     for (const FakeVorgang& vorgang : vorgaenge) {
         if (vorgang.art == "openRecordset" || vorgang.art == "execute") texte.push_back(vorgang.text);
-    }
-    return texte;
-}
-
-std::vector<std::string> FakeDatenbankzustand::anweisungen(std::string_view art) const {
-    std::vector<std::string> texte;
-    for (const FakeVorgang& vorgang : vorgaenge) {
-        if (vorgang.art == art) texte.push_back(vorgang.text);
     }
     return texte;
 }

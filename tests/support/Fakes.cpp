@@ -85,10 +85,9 @@ Antwort FakeMeldungen::meldung(const std::string& text, int stil, const std::str
     return antwort;
 }
 
-void FakeMeldungen::zeigeFehlerOhneWarten(const std::string& text, int nummer, const std::string& quelle,
-                                          const std::string& beschreibung, const std::string& titel) {
+void FakeMeldungen::zeigeFehlerOhneWarten(const std::string& text, int, const std::string&,
+                                          const std::string&, const std::string&) {
     aufrufe().notiere(Portart::Meldungen, "zeigeFehlerOhneWarten", text);
-    fehleranzeigen.push_back({text, nummer, quelle, beschreibung, titel});
 }
 
 // ---- windows ----
@@ -105,8 +104,7 @@ Fensterhandle FakeFenstersystem::vordergrundfenster() {
 
 std::uint64_t FakeFenstersystem::fensterThread(Fensterhandle handle) {
     aufrufe().notiere(Portart::Fenstersystem, "fensterThread", std::to_string(handle));
-    const auto treffer = fenster.find(handle);
-    return treffer == fenster.end() ? 0 : treffer->second.thread;
+    return fenster[handle].thread;
 }
 
 void FakeFenstersystem::eingabeVerbinden(std::uint64_t vonThread, std::uint64_t zuThread, bool verbinden) {
@@ -117,32 +115,28 @@ void FakeFenstersystem::eingabeVerbinden(std::uint64_t vonThread, std::uint64_t 
 
 bool FakeFenstersystem::vordergrundSetzen(Fensterhandle handle) {
     aufrufe().notiere(Portart::Fenstersystem, "vordergrundSetzen", std::to_string(handle));
-    if (vordergrundErlaubt && fenster.contains(handle)) vordergrund = handle;
+    if (vordergrundErlaubt) vordergrund = handle;
     return vordergrund == handle;
 }
 
 bool FakeFenstersystem::istMinimiert(Fensterhandle handle) {
     aufrufe().notiere(Portart::Fenstersystem, "istMinimiert", std::to_string(handle));
-    const auto treffer = fenster.find(handle);
-    return treffer != fenster.end() && treffer->second.minimiert;
+    return fenster[handle].minimiert;
 }
 
 void FakeFenstersystem::wiederherstellen(Fensterhandle handle) {
     aufrufe().notiere(Portart::Fenstersystem, "wiederherstellen", std::to_string(handle));
-    if (const auto treffer = fenster.find(handle); treffer != fenster.end()) {
-        treffer->second.minimiert = false;
-        treffer->second.sichtbar = true;
-    }
+    fenster[handle].minimiert = false;
+    fenster[handle].sichtbar = true;
 }
 
 void FakeFenstersystem::zeigen(Fensterhandle handle) {
     aufrufe().notiere(Portart::Fenstersystem, "zeigen", std::to_string(handle));
-    if (const auto treffer = fenster.find(handle); treffer != fenster.end()) treffer->second.sichtbar = true;
+    fenster[handle].sichtbar = true;
 }
 
 bool FakeFenstersystem::aktivierenNachTitel(const std::string& titel) {
     aufrufe().notiere(Portart::Fenstersystem, "aktivierenNachTitel", titel);
-    aktivierteTitel.push_back(titel);
     if (titel.empty()) return false;
     const std::string gesucht = LCase(titel);
     const auto aktiviere = [&](auto passt) {
@@ -193,14 +187,12 @@ int FakeStarter::ausfuehren(const std::string& datei, const std::string& paramet
                             int fensterstil) {
     aufrufe().notiere(Portart::Dateistarter, "ausfuehren", datei);
     gestartet.push_back({datei, parameter, ordner, fensterstil});
-    if (beimStart) beimStart(Start{datei, parameter, ordner, fensterstil});
     return ergebnis;
 }
 
 bool FakeAutomation::rufeDoThis(const std::string& klasse, const std::string& text) {
     aufrufe().notiere(Portart::Automation, "rufeDoThis", klasse + ", " + text);
     rufe.push_back({klasse, text});
-    if (beimRuf) beimRuf(Ruf{klasse, text});
     return erfolg;
 }
 
@@ -218,33 +210,25 @@ std::string FakeSymbol::tooltip() const {
     return ausWindows1252(std::string(beginn, std::find(beginn, letzter.end(), std::uint8_t{0})));
 }
 
-void FakeSymbol::merke(std::span<const std::uint8_t, 88> datensatz) {
-    Datensatz kopie{};
-    std::copy(datensatz.begin(), datensatz.end(), kopie.begin());
-    datensaetze.push_back(kopie);
+// Returns the record's identifier.
+std::uint32_t FakeSymbol::merke(std::span<const std::uint8_t, 88> datensatz) {
+    std::copy(datensatz.begin(), datensatz.end(), datensaetze.emplace_back().begin());
+    std::uint32_t kennung = 0;
+    for (std::size_t i = 12; i-- > 8;)
+        kennung = kennung << 8 | datensatz[i];
+    return kennung;
 }
-
-namespace {
-
-std::uint32_t kennungAus(std::span<const std::uint8_t, 88> datensatz) {
-    return static_cast<std::uint32_t>(datensatz[8] | datensatz[9] << 8 | datensatz[10] << 16) |
-           static_cast<std::uint32_t>(datensatz[11]) << 24;
-}
-
-}  // namespace
 
 void FakeSymbol::hinzufuegen(std::span<const std::uint8_t, 88> datensatz) {
     aufrufe().notiere(Portart::TaskleistenSymbol, "hinzufuegen");
-    merke(datensatz);
-    symbole.emplace(kennungAus(datensatz), datensaetze.back());
+    const std::uint32_t kennung = merke(datensatz);
+    symbole.emplace(kennung, datensaetze.back());
 }
 
 void FakeSymbol::aendern(std::span<const std::uint8_t, 88> datensatz) {
     aufrufe().notiere(Portart::TaskleistenSymbol, "aendern");
-    merke(datensatz);
-    if (const auto treffer = symbole.find(kennungAus(datensatz)); treffer != symbole.end()) {
+    if (const auto treffer = symbole.find(merke(datensatz)); treffer != symbole.end())
         treffer->second = datensaetze.back();
-    }
 }
 
 void FakeSymbol::entfernen(std::uint32_t kennung) {

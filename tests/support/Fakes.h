@@ -34,7 +34,7 @@ enum class Portart {
     Automation,
     TaskleistenSymbol,
     Rechner,
-    Datenbank,
+    Datenbank
 };
 inline constexpr std::size_t kPortarten = 11;
 
@@ -60,7 +60,7 @@ class Aufrufe {
 // Base of the fakes: writes into the common journal, or into its own when it stands alone.
 class FakeBasis {
   public:
-    explicit FakeBasis(Aufrufe* gemeinsam) : aufrufe_(gemeinsam ? gemeinsam : &eigene_) {}
+    explicit FakeBasis(Aufrufe* gemeinsam = nullptr) : aufrufe_(gemeinsam ? gemeinsam : &eigene_) {}
     FakeBasis(const FakeBasis&) = delete;
     FakeBasis& operator=(const FakeBasis&) = delete;
     Aufrufe& aufrufe() { return *aufrufe_; }
@@ -73,7 +73,7 @@ class FakeBasis {
 // Begins on 24 December 2012, 20:00:00.
 class FakeUhr : public FakeBasis, public Uhr {
   public:
-    explicit FakeUhr(Aufrufe* gemeinsam = nullptr) : FakeBasis(gemeinsam) {}
+    using FakeBasis::FakeBasis;
 
     // A clock step: wall-clock time jumps, the running time does not notice.
     void stelle(Datum wanduhr) { wanduhrMs_ = wanduhr.sekunden() * 1000; }
@@ -107,7 +107,7 @@ class FakeDateisystem : public FakeBasis, public Dateisystem {
     // other single steps are done or not done, never half.
     enum class Rest { Nichts, Haelfte, Alles };
 
-    explicit FakeDateisystem(Aufrufe* gemeinsam = nullptr) : FakeBasis(gemeinsam) {}
+    using FakeBasis::FakeBasis;
 
     // For setting up and looking: not counted, never failing.
     void lege(const std::string& pfad, std::string inhalt);  // makes the folders too
@@ -115,8 +115,7 @@ class FakeDateisystem : public FakeBasis, public Dateisystem {
     void entferne(const std::string& pfad);
     std::optional<std::string> inhalt(const std::string& pfad) const;  // exact case
     std::vector<std::string> dateien() const;                          // absolute paths in order
-    bool hatOrdner(const std::string& pfad) const;
-    const std::string& aktuellerOrdner() const { return aktuell_; }  // ends in "\"
+    const std::string& aktuellerOrdner() const { return aktuell_; }    // ends in "\"
 
     // The n-th write from now (1 is the next) fails, with half of it done when teilweise is set.
     void scheitereBeimSchreiben(int n, bool teilweise = false);
@@ -124,7 +123,6 @@ class FakeDateisystem : public FakeBasis, public Dateisystem {
     // process, until neustart().
     void stuerzeAbBei(int n, Rest rest = Rest::Nichts);
     void neustart();
-    bool abgestuerzt() const { return tot_; }
     // Asked first by every operation with its name and the path as given; true makes it fail.
     std::function<bool(const std::string& vorgang, const std::string& pfad)> scheitert;
     // Exact paths whose content cannot be changed.
@@ -147,18 +145,12 @@ class FakeDateisystem : public FakeBasis, public Dateisystem {
     std::string pfadAnzeige(const std::string& pfad) override { return pfad; }
 
   private:
-    // How far a durable operation may go.
-    enum class Umfang { Ganz, Halb, GarNicht };
-    struct Erlaubnis {
-        Umfang umfang = Umfang::Ganz;
-        bool danachAbsturz = false;
-    };
     bool vorgang(std::string_view name, const std::string& pfad);
-    Erlaubnis dauerhaft();
-    bool abschluss(const Erlaubnis& erlaubnis);
-    bool schreibe(std::string_view name, const std::string& pfad, bool teilbar,
-                  const std::function<void(std::string& datei, std::string_view teil)>& tue,
-                  std::string_view inhalt);
+    // Does as much of a durable operation as the plan of failures allows: the whole, or half when it has one.
+    bool dauerhaft(const std::function<void()>& ganz, const std::function<void()>& halb = {});
+    bool schreibbar(std::string_view name, const std::string& pfad);
+    bool schreibe(std::string_view name, const std::string& pfad, std::string_view inhalt,
+                  const std::function<void(std::string& datei, std::string_view teil)>& tue);
     std::string absolut(const std::string& pfad) const;
     std::string ordnerpfad(const std::string& pfad) const;
     const std::string* finde(const std::string& pfad) const;
@@ -181,19 +173,12 @@ class FakeMeldungen : public FakeBasis, public Meldungen {
         std::string titel;
         friend bool operator==(const Kasten&, const Kasten&) = default;
     };
-    struct Fehleranzeige {
-        std::string text;
-        int nummer = 0;
-        std::string quelle, beschreibung, titel;
-        friend bool operator==(const Fehleranzeige&, const Fehleranzeige&) = default;
-    };
 
-    explicit FakeMeldungen(Aufrufe* gemeinsam = nullptr) : FakeBasis(gemeinsam) {}
+    using FakeBasis::FakeBasis;
 
     // Answers in their order; after the last one every box is declined: cancel, no, or plain OK.
     std::deque<Antwort> antworten;
     std::vector<Kasten> gezeigt;
-    std::vector<Fehleranzeige> fehleranzeigen;
     // Runs while the box is open, before its answer is taken.
     std::function<void(const Kasten&)> imKasten;
 
@@ -211,14 +196,13 @@ class FakeFenstersystem : public FakeBasis, public Fenstersystem {
         bool sichtbar = false;
     };
 
-    explicit FakeFenstersystem(Aufrufe* gemeinsam = nullptr) : FakeBasis(gemeinsam) {}
+    using FakeBasis::FakeBasis;
 
-    std::map<Fensterhandle, Fenster> fenster;
+    std::map<Fensterhandle, Fenster> fenster;  // others come into being when they are asked about
     Fensterhandle vordergrund = 0;
     bool vordergrundErlaubt = true;
     Arbeitsbereich bereich{0, 0, 1920, 1040};
     bool sanduhrAn = false;
-    std::vector<std::string> aktivierteTitel;  // as asked, found or not
 
     Arbeitsbereich arbeitsbereich() override;
     Fensterhandle vordergrundfenster() override;
@@ -234,7 +218,7 @@ class FakeFenstersystem : public FakeBasis, public Fenstersystem {
 
 class FakeKlang : public FakeBasis, public Klang {
   public:
-    explicit FakeKlang(Aufrufe* gemeinsam = nullptr) : FakeBasis(gemeinsam) {}
+    using FakeBasis::FakeBasis;
     int geraete = 1;
     std::vector<std::string> gespielt;
 
@@ -244,7 +228,7 @@ class FakeKlang : public FakeBasis, public Klang {
 
 class FakeProzesse : public FakeBasis, public Prozesse {
   public:
-    explicit FakeProzesse(Aufrufe* gemeinsam = nullptr) : FakeBasis(gemeinsam) {}
+    using FakeBasis::FakeBasis;
     std::vector<Prozess> laufende;
     int plattform = 2;
     std::set<std::uint32_t> unbeendbar;
@@ -263,10 +247,9 @@ class FakeStarter : public FakeBasis, public Dateistarter {
         int fensterstil = 0;
         friend bool operator==(const Start&, const Start&) = default;
     };
-    explicit FakeStarter(Aufrufe* gemeinsam = nullptr) : FakeBasis(gemeinsam) {}
+    using FakeBasis::FakeBasis;
     int ergebnis = 33;
     std::vector<Start> gestartet;
-    std::function<void(const Start&)> beimStart;
 
     int ausfuehren(const std::string& datei, const std::string& parameter, const std::string& ordner,
                    int fensterstil) override;
@@ -283,11 +266,10 @@ class FakeAutomation : public FakeBasis, public Automation {
         int zeitMs = 0;
         friend bool operator==(const Wartemeldung&, const Wartemeldung&) = default;
     };
-    explicit FakeAutomation(Aufrufe* gemeinsam = nullptr) : FakeBasis(gemeinsam) {}
+    using FakeBasis::FakeBasis;
     bool erfolg = true;
     std::vector<Ruf> rufe;
     std::optional<Wartemeldung> wartemeldung;
-    std::function<void(const Ruf&)> beimRuf;
 
     [[nodiscard]] bool rufeDoThis(const std::string& klasse, const std::string& text) override;
     void setzeWartemeldung(const std::string& titel, const std::string& text, int zeitMs) override;
@@ -298,7 +280,7 @@ class FakeAutomation : public FakeBasis, public Automation {
 class FakeSymbol : public FakeBasis, public TaskleistenSymbol {
   public:
     using Datensatz = std::array<std::uint8_t, 88>;
-    explicit FakeSymbol(Aufrufe* gemeinsam = nullptr) : FakeBasis(gemeinsam) {}
+    using FakeBasis::FakeBasis;
 
     std::map<std::uint32_t, Datensatz> symbole;  // what the tray shows now
     std::vector<Datensatz> datensaetze;          // all that were added or changed
@@ -310,12 +292,12 @@ class FakeSymbol : public FakeBasis, public TaskleistenSymbol {
     void entfernen(std::uint32_t kennung) override;
 
   private:
-    void merke(std::span<const std::uint8_t, 88> datensatz);
+    std::uint32_t merke(std::span<const std::uint8_t, 88> datensatz);
 };
 
 class FakeRechner : public FakeBasis, public Rechner {
   public:
-    explicit FakeRechner(Aufrufe* gemeinsam = nullptr) : FakeBasis(gemeinsam) {}
+    using FakeBasis::FakeBasis;
     std::string name = "PC-BUERO";
     bool nameBekannt = true;
     std::int32_t speicher = 123456789;
@@ -353,7 +335,6 @@ struct FakeDatenbankzustand {
     // Failures that the next openRecordset/execute/update calls meet, in their order, whatever the statement;
     // number 0 lets that call pass.
     std::deque<int> naechsteFehler;
-    std::string fehlertext = "Gesperrt.";
     // Answers by statement text, exact. Statements to execute need none.
     std::map<std::string, FakeAntwort> antworten;
     // May throw a Fehler; runs before the operation.
@@ -362,20 +343,17 @@ struct FakeDatenbankzustand {
     std::function<void(const std::string& quelle, const std::string& ziel)> beimKomprimieren;
     // Runs before each statement and update: the place to let time pass.
     std::function<void(const std::string& sql)> vorAnweisung;
-    // Added to the open recordsets of each database: recordsets of somebody else.
-    int fremdeRecordsets = 0;
 
     bool mitschreiben = true;
     std::vector<FakeVorgang> vorgaenge;
     std::vector<std::map<std::string, Variant>> gespeichert;  // rows that update() saved, by column
     int geoeffnet = 0, geschlossen = 0;                       // databases
-    int recordsetsGeoeffnet = 0, recordsetsGeschlossen = 0;
+    int recordsets = 0;                                       // that are open
 
     int offen() const { return geoeffnet - geschlossen; }
-    int recordsetsOffen() const { return recordsetsGeoeffnet - recordsetsGeschlossen; }
+    int recordsetsOffen() const { return recordsets; }
     // Statement texts alone, of openRecordset and execute.
     std::vector<std::string> anweisungen() const;
-    std::vector<std::string> anweisungen(std::string_view art) const;
 };
 
 class FakeDatenbankmaschinen : public FakeBasis, public Datenbankmaschinen {

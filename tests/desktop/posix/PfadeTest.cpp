@@ -1,7 +1,8 @@
-// Path conversion, the programme folder, shipped files, the configuration folder, the machine's facts.
+// Path conversion, the programme folder, shipped files, the machine's facts.
+
+#include "desktop/Pfade.h"
 
 #include "desktop/LinuxRechner.h"
-#include "desktop/Pfade.h"
 #include "desktop/Programmordner.h"
 #include "desktop/posix/Werkzeug.h"
 
@@ -9,25 +10,16 @@ namespace wendel {
 namespace {
 
 TEST(Pfade, ConvertOnlyTheSeparators) {
-    struct Fall {
-        const char *name, *logisch, *nativ;
+    const std::pair<const char*, const char*> faelle[] = {
+        {"", ""},
+        {R"(\home\anna\Übersicht\)", "/home/anna/Übersicht/"},
+        {R"(\home\\anna\\\tv)", "/home/anna/tv"},
+        {R"(/home/\anna\tv)", "/home/anna/tv"},
+        {R"(C:\TV\tvdaten.mdb)", "C:/TV/tvdaten.mdb"},
+        {R"(\)", "/"},
     };
-    const Fall faelle[] = {
-        {"empty", "", ""},
-        {"bare name", "kestrin.cfg", "kestrin.cfg"},
-        {"absolute", R"(\home\anna\tv\fennow.cfg)", "/home/anna/tv/fennow.cfg"},
-        {"closing separator stays", R"(\home\anna\)", "/home/anna/"},
-        {"doubled separators collapse", R"(\home\\anna\\\tv)", "/home/anna/tv"},
-        {"both kinds", R"(/home\anna/tv)", "/home/anna/tv"},
-        {"mixed pair collapses", R"(/home/\anna)", "/home/anna"},
-        {"drive letters are ordinary", R"(C:\TV\tvdaten.mdb)", "C:/TV/tvdaten.mdb"},
-        {"root", R"(\)", "/"},
-        {"umlauts", "\\Übersicht\\ß", "/Übersicht/ß"},
-    };
-    for (const Fall& fall : faelle) {
-        SCOPED_TRACE(fall.name);
-        EXPECT_EQ(fall.nativ, nativerPfad(fall.logisch));
-    }
+    for (const auto& [logisch, nativ] : faelle)
+        EXPECT_EQ(nativ, nativerPfad(logisch));
     EXPECT_EQ(R"(\usr\bin\skarvel)", logischerPfad("/usr/bin/skarvel"));
     EXPECT_EQ("/home//anna/tv", pfadAnzeige(R"(\home\\anna/tv)"));
     EXPECT_EQ("c", letzterTeil("/a/b/c"));
@@ -39,102 +31,56 @@ TEST(Pfade, ConvertOnlyTheSeparators) {
 TEST(Programmordner, FollowsTheOrderOfItsSources) {
     const TempOrdner temp;
     temp.datei("mit/FENNOW.cfg", "");
-    std::filesystem::create_directory(temp / "ohne");
-    struct Fall {
+    temp.datei("ohne/x", "");
+    const std::string data = temp / "data", home = temp / "home", mit = temp / "mit", ohne = temp / "ohne";
+    const struct {
         const char* name;
         Programmlage lage;
         std::string erwartet;
-    };
-    const std::string data = temp / "data", home = temp / "home", mit = temp / "mit", ohne = temp / "ohne";
-    const Fall faelle[] = {
+    } faelle[] = {
         {"WENDEL_ORDNER wins", {temp / "eigener", data, home, mit}, temp / "eigener/"},
         {"closing slash once", {temp / "eigener/", data, home, mit}, temp / "eigener/"},
         {"beside fennow.cfg, case ignored", {"", data, home, mit}, temp / "mit/"},
         {"no fennow.cfg there", {"", data, home, ohne}, temp / "data/wendel/"},
         {"default data folder", {"", "", home, ohne}, temp / "home/.local/share/wendel/"},
-        {"relative data folder is ignored", {"", "data", home, ohne}, temp / "home/.local/share/wendel/"},
-        {"executable unknown", {"", data, home, ""}, temp / "data/wendel/"},
+        {"relative data folder is ignored", {"", "data", home, ""}, temp / "home/.local/share/wendel/"},
     };
-    for (const Fall& fall : faelle) {
+    for (const auto& fall : faelle) {
         SCOPED_TRACE(fall.name);
         EXPECT_EQ(logischerPfad(fall.erwartet), programmordner(fall.lage));
         EXPECT_TRUE(std::filesystem::is_directory(fall.erwartet));
     }
-}
-
-TEST(Programmordner, RelativeFolderBecomesAbsolute) {
-    const TempOrdner temp;
+    EXPECT_EQ(std::nullopt, programmordner({temp / "ohne/x/ordner", "", "", ""}));
     const auto vorher = std::filesystem::current_path();
     std::filesystem::current_path(temp.pfad());
-    const auto ordner = programmordner({"hier", "", "", ""});
+    EXPECT_EQ(temp.logisch("hier/"), programmordner({"hier", "", "", ""}));
     std::filesystem::current_path(vorher);
-    EXPECT_EQ(logischerPfad(temp / "hier/"), ordner);
-}
-
-TEST(Programmordner, IsMissingWhereItCannotBeMade) {
-    const TempOrdner temp;
-    temp.datei("datei", "");
-    EXPECT_EQ(std::nullopt, programmordner({temp / "datei/ordner", "", "", ""}));
-}
-
-TEST(Programmordner, ReadsTheProcess) {
-    const Variable ordner("WENDEL_ORDNER", "/srv/tv"), data("XDG_DATA_HOME", "/srv/data"),
-        home("HOME", "/srv/home");
-    const Programmlage lage = programmlage();
-    EXPECT_EQ("/srv/tv", lage.wendelOrdner);
-    EXPECT_EQ("/srv/data", lage.xdgDataHome);
-    EXPECT_EQ("/srv/home", lage.home);
-    EXPECT_EQ(std::filesystem::read_symlink("/proc/self/exe").parent_path().string(),
-              lage.programmdateiOrdner);
-}
-
-TEST(Konfigurationsordner, IsTheDesktopsOrItsDefault) {
-    const Variable home("HOME", "/srv/home");
-    const Variable gesetzt("XDG_CONFIG_HOME", "/srv/config");
-    EXPECT_EQ("/srv/config", konfigurationsordner());
-    const Variable fehlt("XDG_CONFIG_HOME", std::nullopt);
-    EXPECT_EQ("/srv/home/.config", konfigurationsordner());
 }
 
 TEST(ShippedFile, IsTakenFromTheProgrammeFolderFirst) {
     const TempOrdner temp;
-    const Programmlage lage{"", "", "", temp / "build/bin"};
-    const std::string programm = logischerPfad(temp / "tv/");
-    EXPECT_EQ("", mitgelieferteDatei(programm, "wendel.wav", lage));
-    temp.datei("build/share/wendel/wendel.wav", "");
-    EXPECT_EQ(logischerPfad(temp / "build/share/wendel/wendel.wav"),
-              mitgelieferteDatei(programm, "wendel.wav", lage));
-    temp.datei("tv/wendel.wav", "");
-    EXPECT_EQ(logischerPfad(temp / "tv/wendel.wav"), mitgelieferteDatei(programm, "wendel.wav", lage));
-}
-
-TEST(Rechner, NameIsShortUpperCaseAndCut) {
-    struct Fall {
-        const char *name, *host, *erwartet;
+    const auto gesucht = [&] {
+        return mitgelieferteDatei(temp.logisch("tv/"), "wendel.wav", {"", "", "", temp / "build/bin"});
     };
-    const Fall faelle[] = {
-        {"plain", "buero", "BUERO"},
-        {"domain is dropped", "buero.example.org", "BUERO"},
-        {"fifteen characters", "wohnzimmer-rechner", "WOHNZIMMER-RECH"},
-        {"characters, not bytes", "wohnzimmertürenrechner", "WOHNZIMMERTÜREN"},
-        {"nothing before the dot", ".local", ""},
-    };
-    for (const Fall& fall : faelle) {
-        SCOPED_TRACE(fall.name);
-        EXPECT_EQ(fall.erwartet, rechnernameAusHostname(fall.host));
+    EXPECT_EQ("", gesucht());
+    for (const char* name : {"build/share/wendel/wendel.wav", "tv/wendel.wav"}) {
+        temp.datei(name, "");
+        EXPECT_EQ(temp.logisch(name), gesucht());
     }
 }
 
-TEST(Rechner, FillsTheBufferAsThePlatformDoes) {
+TEST(Rechner, NameIsShortUpperCaseAndCutToTheBuffer) {
+    const std::pair<const char*, const char*> faelle[] = {{"pc-buero.example.org", "PC-BUERO"},
+                                                          {"wohnzimmer-rechner", "WOHNZIMMER-RECH"},
+                                                          {"wohnzimmertürenrechner", "WOHNZIMMERTÜREN"},
+                                                          {".local", ""}};
+    for (const auto& [host, erwartet] : faelle)
+        EXPECT_EQ(erwartet, rechnernameAusHostname(host));
     const Variable ersatz("WENDEL_RECHNER", "pc-buero");
     std::string puffer(16, ' ');
     ASSERT_TRUE(LinuxRechner().rechnername(puffer));
     EXPECT_EQ(std::string("PC-BUERO\0       ", 16), puffer);
-}
-
-TEST(Rechner, UsesTheHostNameByDefault) {
-    const Variable ersatz("WENDEL_RECHNER", std::nullopt);
-    std::string puffer(16, ' ');
+    const Variable ohne("WENDEL_RECHNER", std::nullopt);
     char host[256] = {};
     ASSERT_EQ(0, ::gethostname(host, sizeof host - 1));
     ASSERT_TRUE(LinuxRechner().rechnername(puffer));
@@ -142,28 +88,11 @@ TEST(Rechner, UsesTheHostNameByDefault) {
 }
 
 TEST(Rechner, FreeMemoryIsWhatIsAvailable) {
-    EXPECT_EQ(
-        1024 * 1500,
-        freierSpeicherAus("MemTotal:  8000 kB\nMemFree: 900 kB\nMemAvailable:   1500 kB\nBuffers: 1 kB\n"));
-    EXPECT_EQ(2147483647, freierSpeicherAus("MemAvailable:   64000000 kB\n"));
+    EXPECT_EQ(1024 * 1500, freierSpeicherAus("MemFree: 900 kB\nMemAvailable:   1500 kB\nBuffers: 1 kB\n"));
     EXPECT_EQ(2147483647, freierSpeicherAus("MemAvailable:   9223372036854775807 kB\n"));
     EXPECT_EQ(0, freierSpeicherAus("MemFree: 900 kB\n"));
     EXPECT_EQ(0, freierSpeicherAus("MemAvailable:"));
     EXPECT_GT(LinuxRechner().freierSpeicher(), 1024 * 1024);
-}
-
-TEST(Rechner, ChanceIsUniformAndDiffersByRun) {
-    LinuxRechner a, b;
-    double summe = 0;
-    constexpr int kZahl = 10000;
-    for (int i = 0; i < kZahl; ++i) {
-        const double z = a.zufall();
-        ASSERT_GE(z, 0.0);
-        ASSERT_LT(z, 1.0);
-        summe += z;
-    }
-    EXPECT_NEAR(0.5, summe / kZahl, 0.03);  // ten standard deviations
-    EXPECT_NE(a.zufall(), b.zufall());
 }
 
 }  // namespace

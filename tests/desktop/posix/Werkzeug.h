@@ -11,36 +11,37 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <functional>
 #include <iterator>
+#include <numeric>
 #include <optional>
+#include <set>
 #include <string>
 #include <thread>
 #include <utility>
 #include <vector>
 
+#include "desktop/Pfade.h"
+
 namespace wendel {
 
-// A fresh folder, removed with all it holds.
+// A fresh folder, open to all users, removed with all it holds.
 class TempOrdner {
   public:
     TempOrdner() {
         std::string muster = std::filesystem::temp_directory_path() / "wendel-XXXXXX";
-        if (::mkdtemp(muster.data())) pfad_ = muster;
+        if (::mkdtemp(muster.data()) && ::chmod(muster.c_str(), 0755) == 0) pfad_ = muster;
     }
-    ~TempOrdner() {
-        std::error_code ignoriert;
-        std::filesystem::remove_all(pfad_, ignoriert);
-    }
+    ~TempOrdner() { std::filesystem::remove_all(pfad_); }
     TempOrdner(const TempOrdner&) = delete;
     TempOrdner& operator=(const TempOrdner&) = delete;
 
     const std::string& pfad() const { return pfad_; }
     std::string operator/(const std::string& name) const { return pfad_ + "/" + name; }
+    std::string logisch(const std::string& name) const { return logischerPfad(*this / name); }
 
     std::string datei(const std::string& name, const std::string& inhalt, mode_t modus = 0644) const {
         const std::string pfad = *this / name;
@@ -52,14 +53,12 @@ class TempOrdner {
     std::string skript(const std::string& name, const std::string& inhalt) const {
         return datei(name, "#!/bin/sh\n" + inhalt, 0755);
     }
-
-    // All names directly in the folder, sorted.
-    std::vector<std::string> namen() const {
-        std::vector<std::string> alle;
+    // All names directly in the folder, sorted, a blank behind each.
+    std::string namen() const {
+        std::set<std::string> alle;
         for (const auto& eintrag : std::filesystem::directory_iterator(pfad_))
-            alle.push_back(eintrag.path().filename());
-        std::sort(alle.begin(), alle.end());
-        return alle;
+            alle.insert(eintrag.path().filename().string() + " ");
+        return std::accumulate(alle.begin(), alle.end(), std::string());
     }
 
   private:
@@ -74,7 +73,7 @@ inline std::string inhaltVon(const std::string& pfad) {
 // Sets a variable (or removes it, without a value) until the end of the scope.
 class Variable {
   public:
-    Variable(const char* name, std::optional<std::string> wert) : name_(name) {
+    Variable(const char* name, const std::optional<std::string>& wert) : name_(name) {
         if (const char* alt = ::getenv(name)) alt_ = alt;
         setze(wert);
     }
@@ -90,8 +89,8 @@ class Variable {
     std::optional<std::string> alt_;
 };
 
-inline bool warteBis(const std::function<bool()>& bedingung, int hoechstensMs = 10000) {
-    const auto ende = std::chrono::steady_clock::now() + std::chrono::milliseconds(hoechstensMs);
+inline bool warteBis(const std::function<bool()>& bedingung) {
+    const auto ende = std::chrono::steady_clock::now() + std::chrono::seconds(10);
     while (!bedingung()) {
         if (std::chrono::steady_clock::now() > ende) return false;
         std::this_thread::sleep_for(std::chrono::milliseconds(5));
@@ -99,28 +98,22 @@ inline bool warteBis(const std::function<bool()>& bedingung, int hoechstensMs = 
     return true;
 }
 
-// A child process that is killed and reaped with this object; its standard input stays open until then.
+// A child process that runs a function; it is killed and reaped with this object. The function may write to
+// the descriptor, which lies() reads.
 class Kind {
   public:
-    // Runs a program.
-    explicit Kind(const std::vector<std::string>& befehl, uid_t nutzer = ::geteuid()) {
-        starte([&] {
-            if (nutzer != ::geteuid() && ::setuid(nutzer) != 0) ::_exit(126);
-            std::vector<char*> argv;
-            for (const std::string& teil : befehl)
-                argv.push_back(const_cast<char*>(teil.c_str()));
-            argv.push_back(nullptr);
-            ::execv(argv[0], argv.data());
-        });
-    }
-    // Runs a function; it may write to the descriptor, which lies() reads.
     explicit Kind(const std::function<void(int)>& funktion) {
-        starte([&] { funktion(antwort_[1]); });
+        EXPECT_EQ(0, ::pipe(antwort_));
+        pid_ = ::fork();
+        if (pid_ == 0) {
+            funktion(antwort_[1]);
+            ::_exit(0);
+        }
+        ::close(antwort_[1]);
     }
     ~Kind() {
         toete(SIGKILL);
         warte();
-        ::close(eingabe_[1]);
         ::close(antwort_[0]);
     }
     Kind(const Kind&) = delete;
@@ -128,18 +121,13 @@ class Kind {
 
     std::uint32_t id() const { return static_cast<std::uint32_t>(pid_); }
     void toete(int signal) const {
-        if (!geerntet_) ::kill(pid_, signal);
+        if (!status_) ::kill(pid_, signal);
     }
     // Its status for waitpid's macros.
     int warte() {
-        if (!geerntet_) ::waitpid(pid_, &status_, 0);
-        geerntet_ = true;
-        return status_;
-    }
-    // Ends when it does; does not reap it.
-    void warteOhneErnte() const {
-        siginfo_t angaben{};
-        ::waitid(P_PID, static_cast<id_t>(pid_), &angaben, WEXITED | WNOWAIT);
+        int status = 0;
+        if (!status_ && ::waitpid(pid_, &status, 0) == pid_) status_ = status;
+        return status_.value_or(0);
     }
     // One byte from the child: blocks until it has got that far.
     char lies() const {
@@ -148,27 +136,16 @@ class Kind {
     }
 
   private:
-    template <class F>
-    void starte(F&& imKind) {
-        if (::pipe(eingabe_) != 0 || ::pipe(antwort_) != 0) return;
-        pid_ = ::fork();
-        if (pid_ == 0) {
-            ::dup2(eingabe_[0], 0);
-            ::close(eingabe_[1]);
-            ::close(antwort_[0]);
-            imKind();
-            ::_exit(0);
-        }
-        ::close(eingabe_[0]);
-        ::close(antwort_[1]);
-    }
-
     pid_t pid_ = -1;
-    int eingabe_[2]{};
     int antwort_[2]{};
-    bool geerntet_ = false;
-    int status_ = 0;
+    std::optional<int> status_;
 };
+
+// What the function returns in a process without root's rights: nobody's for root, ours otherwise.
+inline int ohneRootrechte(const std::function<int()>& funktion) {
+    Kind kind([&](int) { ::_exit(::geteuid() == 0 && ::setuid(65534) != 0 ? 99 : funktion()); });
+    return WEXITSTATUS(kind.warte());
+}
 
 // A socket that somebody listens on; after zumachen() only its file is left.
 class Lauscher {
