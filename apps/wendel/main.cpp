@@ -28,6 +28,7 @@
 #include "desktop/Meldungsfenster.h"
 #include "desktop/Pfade.h"
 #include "desktop/Programmordner.h"
+#include "desktop/QtText.h"
 #include "desktop/Sekundentakt.h"
 #include "desktop/TrayIcon.h"
 #include "desktop/WendelOpen.h"
@@ -91,6 +92,7 @@ class Programm {
           dienst_([this](const std::string& text) { anwendung_->DoThis(text); }),
           takt_(uhr_, [this] { anwendung_->tick(); }),
           versteckt_(InStr(LCase(zeile), "/m") > 0) {
+        meldungen_.setzeSperre([this](bool gesperrt) { wendelFenster_.setEnabled(!gesperrt); });
         uhr_.setzeNachrichten([] { QCoreApplication::processEvents(); });
         anwendung_ = std::make_unique<Anwendung>(
             ports_, wendelFenster_, hinweisFenster_,
@@ -141,7 +143,7 @@ class Programm {
     TrayIcon symbol_;
     jet::JetDatenbankmaschinen datenbanken_;
     Ports ports_;
-    FormWendelFenster wendelFenster_;
+    FormWendelFenster wendelFenster_{qtText(konfigurationsordner() + "/wendel/fenster.ini")};
     FormHinweisFenster hinweisFenster_;
     std::unique_ptr<Anwendung> anwendung_;
     WendelOpen dienst_;

@@ -1,23 +1,15 @@
 #include "desktop/Anzeigepruefung.h"
 
-#include <sys/socket.h>
-#include <sys/un.h>
 #include <xcb/xcb.h>
 
-#include <cstdlib>
 #include <string>
 #include <string_view>
 
-#include "desktop/Dateideskriptor.h"
+#include "desktop/Umgebung.h"
 
 namespace wendel {
 
 namespace {
-
-std::string ausUmgebung(const char* name) {
-    const char* wert = std::getenv(name);
-    return wert ? wert : "";
-}
 
 bool xErreichbar() {
     if (ausUmgebung("DISPLAY").empty()) return false;
@@ -31,12 +23,7 @@ bool waylandErreichbar() {
     std::string pfad = ausUmgebung("WAYLAND_DISPLAY");
     if (pfad.empty()) return false;
     if (pfad.front() != '/') pfad = ausUmgebung("XDG_RUNTIME_DIR") + "/" + pfad;
-    sockaddr_un adresse{};
-    adresse.sun_family = AF_UNIX;
-    if (pfad.size() >= sizeof adresse.sun_path) return false;
-    pfad.copy(adresse.sun_path, pfad.size());
-    const Dateideskriptor fd(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
-    return fd && ::connect(fd.get(), reinterpret_cast<const sockaddr*>(&adresse), sizeof adresse) == 0;
+    return antwortet(pfad);
 }
 
 bool plattformErreichbar(std::string_view plattform) {

@@ -134,6 +134,8 @@ QWidget* FormHinweisFenster::baueFussleiste() {
     comboFunktion_ = new QComboBox(frameComboFunktion_);
     comboFunktion_->setObjectName(QStringLiteral("ComboFunktion"));
     comboFunktion_->setAccessibleName(QStringLiteral("Was soll geschehen?"));
+    // On this system the list's name is its choice.
+    comboFunktion_->setAccessibleDescription(comboFunktion_->accessibleName());
     comboFunktion_->setFocusPolicy(Qt::StrongFocus);
     comboFunktion_->setMinimumHeight(32);
     comboFunktion_->installEventFilter(this);

@@ -5,15 +5,23 @@
 #include <QCoreApplication>
 #include <QHBoxLayout>
 #include <QHeaderView>
+#include <QHelpEvent>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QPainter>
+#include <QProxyStyle>
 #include <QPushButton>
+#include <QScreen>
 #include <QScrollBar>
+#include <QSettings>
 #include <QSignalBlocker>
 #include <QStyledItemDelegate>
+#include <QToolTip>
 #include <QTreeWidget>
 #include <QVBoxLayout>
+#include <QWindow>
+#include <algorithm>
+#include <utility>
 
 #include "core/FormWendel.h"
 #include "desktop/QtText.h"
@@ -25,7 +33,43 @@ namespace {
 
 enum Spalte { kZeit, kText, kRest, kSpalten };
 
-constexpr int kZeilenhoehe = 30;  // device-independent pixels
+// Device-independent pixels.
+constexpr int kZeilenhoehe = 30;
+constexpr int kLuft = 9;  // between a text and the edge of its cell
+constexpr int kHoehe = 460;
+
+const QString kLage = QStringLiteral("FormWendel/Lage");
+
+// A row that fits into the window as it opens for the first time.
+const QString kMusterzeile = QStringLiteral(
+    "24.12.12 20:15 20:10 Das Übermorgen-Magazin (KABEL) (Aufzeichnung 19:35 bis 20:20) Restzeit");
+constexpr int kNebenDenTexten = 130;  // icon, margins, scroll bar
+
+// The desktop's style, but with air beside the texts of header and rows: most styles set them at the very
+// edge.
+class Listenstil final : public QProxyStyle {
+  public:
+    int pixelMetric(PixelMetric mass, const QStyleOption* option, const QWidget* widget) const override {
+        const int wert = QProxyStyle::pixelMetric(mass, option, widget);
+        return mass == PM_FocusFrameHMargin ? std::max(wert, kLuft - 1) : wert;
+    }
+    void drawControl(ControlElement element, const QStyleOption* option, QPainter* maler,
+                     const QWidget* widget) const override {
+        const auto* kopf = qstyleoption_cast<const QStyleOptionHeader*>(option);
+        if (element != CE_HeaderLabel || kopf == nullptr) {
+            QProxyStyle::drawControl(element, option, maler, widget);
+            return;
+        }
+        QStyleOptionHeader eingerueckt = *kopf;
+        eingerueckt.rect.adjust(kLuft - 2, 0, 2 - kLuft, 0);  // 2 is what styles leave by themselves
+        QProxyStyle::drawControl(element, &eingerueckt, maler, widget);
+    }
+    QSize sizeFromContents(ContentsType art, const QStyleOption* option, const QSize& inhalt,
+                           const QWidget* widget) const override {
+        const QSize groesse = QProxyStyle::sizeFromContents(art, option, inhalt, widget);
+        return art == CT_HeaderSection ? groesse + QSize(2 * (kLuft - 2), 0) : groesse;
+    }
+};
 
 // A list without rows says so instead of looking broken.
 class TermineListView final : public QTreeWidget {
@@ -42,12 +86,29 @@ class TermineListView final : public QTreeWidget {
     }
 };
 
-// Rows with air between them; a broadcast's text of several lines stays one row.
+// Rows with air between them; a broadcast's text of several lines stays one row. What does not fit is told by
+// a tooltip.
 class Zeilenmaler final : public QStyledItemDelegate {
   public:
     using QStyledItemDelegate::QStyledItemDelegate;
     QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override {
-        return {QStyledItemDelegate::sizeHint(option, index).width() + 12, kZeilenhoehe};
+        const QSize groesse = QStyledItemDelegate::sizeHint(option, index);
+        return {groesse.width(), std::max(groesse.height() + 8, kZeilenhoehe)};
+    }
+    bool helpEvent(QHelpEvent* ereignis, QAbstractItemView* liste, const QStyleOptionViewItem& option,
+                   const QModelIndex& index) override {
+        if (ereignis->type() != QEvent::ToolTip)
+            return QStyledItemDelegate::helpEvent(ereignis, liste, option, index);
+        const bool abgeschnitten = sizeHint(option, index).width() > liste->visualRect(index).width();
+        QToolTip::showText(ereignis->globalPos(), abgeschnitten ? hinweistext(index) : QString(), liste);
+        return true;
+    }
+
+  private:
+    // As markup, since only that is wrapped; nothing in the text itself is.
+    static QString hinweistext(const QModelIndex& index) {
+        QString text = index.data(Qt::ToolTipRole).toString().toHtmlEscaped();
+        return QStringLiteral("<p>%1</p>").arg(text.replace(u'\n', QStringLiteral("<br>")));
     }
 };
 
@@ -58,7 +119,7 @@ QString einzeilig(const std::string& text) {
 
 }  // namespace
 
-FormWendelFenster::FormWendelFenster() {
+FormWendelFenster::FormWendelFenster(QString merkdatei) : merkdatei_(std::move(merkdatei)) {
     setObjectName(QStringLiteral("FormWendel"));
     setWindowTitle(QStringLiteral("Lomrick"));
     setAccessibleName(windowTitle());
@@ -74,7 +135,14 @@ FormWendelFenster::FormWendelFenster() {
     aufbau->setSpacing(0);
     aufbau->addWidget(listViewTermineListe_, 1);
     aufbau->addWidget(baueFussleiste());
-    resize(640, 400);
+    stelleHin();
+}
+
+void FormWendelFenster::stelleHin() {
+    const QSize frei = screen()->availableGeometry().size();
+    const int breite = fontMetrics().horizontalAdvance(kMusterzeile) + kNebenDenTexten;
+    resize(QSize(breite, kHoehe).boundedTo(frei * 0.9));
+    lage_ = QSettings(merkdatei_, QSettings::IniFormat).value(kLage).toByteArray();
 }
 
 void FormWendelFenster::baueListe() {
@@ -85,6 +153,10 @@ void FormWendelFenster::baueListe() {
     liste.setColumnCount(kSpalten);
     liste.setHeaderLabels({QStringLiteral("Zeit"), QStringLiteral("Termin"), QStringLiteral("Restzeit")});
     liste.setItemDelegate(new Zeilenmaler(&liste));
+    auto* stil = new Listenstil;
+    stil->setParent(&liste);
+    liste.setStyle(stil);
+    liste.header()->setStyle(stil);
     liste.setRootIsDecorated(false);
     liste.setUniformRowHeights(true);
     liste.setAlternatingRowColors(true);
@@ -92,7 +164,7 @@ void FormWendelFenster::baueListe() {
     liste.setFrameShape(QFrame::NoFrame);
     liste.setIconSize(QSize(20, 20));
     liste.setTextElideMode(Qt::ElideRight);
-    liste.header()->setMinimumHeight(28);
+    liste.header()->setMinimumHeight(kZeilenhoehe);
     liste.header()->setMinimumSectionSize(90);
     liste.header()->setSectionsMovable(false);
     liste.header()->setStretchLastSection(false);
@@ -137,7 +209,7 @@ QWidget* FormWendelFenster::baueFussleiste() {
     cmdAusblenden_ = new QPushButton(QStringLiteral("&Ausblenden"), flaeche);
     cmdAusblenden_->setObjectName(QStringLiteral("cmdAusblenden"));
     cmdAusblenden_->setAccessibleName(QStringLiteral("Ausblenden"));
-    cmdAusblenden_->setMinimumHeight(30);
+    cmdAusblenden_->setMinimumSize(112, 32);
     connect(cmdAusblenden_, &QPushButton::clicked, this, [this] { form_->cmdAusblenden_Click(); });
     aufbau->addWidget(cmdAusblenden_);
     return flaeche;
@@ -151,9 +223,16 @@ Fensterhandle FormWendelFenster::hwnd() { return winId(); }
 void FormWendelFenster::zeigen() {
     if (isMinimized()) {
         showNormal();
-    } else {
-        show();
+        return;
     }
+    if (!isVisible()) geheZurueck();
+    show();
+}
+
+// A window that does not ask for its place is placed anew by the window manager each time it comes up. Qt
+// asks for it only where the program has set it, and be it to what it is.
+void FormWendelFenster::geheZurueck() {
+    if (restoreGeometry(lage_) && windowHandle() != nullptr) windowHandle()->setGeometry(geometry());
 }
 
 void FormWendelFenster::verstecken() { hide(); }
@@ -216,6 +295,15 @@ void FormWendelFenster::meldeAuswahl() {
 void FormWendelFenster::closeEvent(QCloseEvent* ereignis) {
     ereignis->ignore();
     form_->fensterSchliessen();
+}
+
+// Hidden by the program or its user, not minimised.
+void FormWendelFenster::hideEvent(QHideEvent* ereignis) {
+    if (!ereignis->spontaneous()) {
+        lage_ = saveGeometry();
+        QSettings(merkdatei_, QSettings::IniFormat).setValue(kLage, lage_);
+    }
+    QWidget::hideEvent(ereignis);
 }
 
 void FormWendelFenster::keyPressEvent(QKeyEvent* ereignis) {

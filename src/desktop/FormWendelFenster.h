@@ -17,7 +17,8 @@ class FormWendel;
 
 class FormWendelFenster final : public QWidget, public FormWendelView {
   public:
-    FormWendelFenster();
+    // merkdatei keeps the window's place and size over the runs; it and its folder are made when needed.
+    explicit FormWendelFenster(QString merkdatei);
     ~FormWendelFenster() override;
     FormWendelFenster(const FormWendelFenster&) = delete;
     FormWendelFenster& operator=(const FormWendelFenster&) = delete;
@@ -36,14 +37,19 @@ class FormWendelFenster final : public QWidget, public FormWendelView {
 
   protected:
     void closeEvent(QCloseEvent* ereignis) override;
+    void hideEvent(QHideEvent* ereignis) override;
     void keyPressEvent(QKeyEvent* ereignis) override;
 
   private:
+    void stelleHin();
+    void geheZurueck();
     void baueListe();
     void baueMenue();
     QWidget* baueFussleiste();
     void meldeAuswahl();
 
+    QString merkdatei_;
+    QByteArray lage_;
     FormWendel* form_ = nullptr;
     QTreeWidget* listViewTermineListe_;
     QLabel* labelAnzLiveUpdateEinstellungen_;

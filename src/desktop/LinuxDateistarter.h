@@ -15,10 +15,9 @@ std::vector<std::string> argumenteAus(std::string_view parameter);
 
 // A program "x.exe" is looked for as "x.exe", then "x"; one of the suite then as "x" beside the running
 // executable. A name without folder is also looked for in PATH. Window styles have no counterpart and are
-// ignored. Codes: 33 started; 2 no such file; 3 its folder or the working folder is missing; 5 no permission
-// (a
-// ".exe" without the x bit, too); 8 no memory; 11 no executable format; 31 nothing opens this kind of
-// document; 0 any other failure. A document may take up to a second, in case that the opener reports a
+// ignored. Codes: 33 started; 2 no such file; 3 its folder or the working folder is missing; 5 no permission,
+// which a ".exe" without the x bit counts as; 8 no memory; 11 no executable format; 31 nothing opens this
+// kind of document; 0 any other failure. A document may take up to a second, in case the opener reports a
 // failure.
 class LinuxDateistarter : public Dateistarter {
   public:

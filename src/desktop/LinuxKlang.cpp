@@ -1,29 +1,21 @@
 #include "desktop/LinuxKlang.h"
 
 #include <dirent.h>
-#include <sys/socket.h>
-#include <sys/un.h>
 
-#include <cstdlib>
 #include <memory>
 #include <string_view>
 #include <utility>
 #include <vector>
 
 #include "desktop/Abloesung.h"
-#include "desktop/Dateideskriptor.h"
 #include "desktop/LinuxDateisystem.h"
 #include "desktop/Pfade.h"
 #include "desktop/Programmordner.h"
+#include "desktop/Umgebung.h"
 
 namespace wendel {
 
 namespace {
-
-std::string ausUmgebung(const char* name) {
-    const char* wert = std::getenv(name);
-    return wert ? wert : "";
-}
 
 using Ordner = std::unique_ptr<DIR, int (*)(DIR*)>;
 
@@ -49,16 +41,6 @@ int karten(const std::string& kartenordner) {
         if (karte && kannSpielen(kartenordner + "/" + eintrag->d_name)) ++zahl;
     }
     return zahl;
-}
-
-// Connected, not only looked at: a server that crashed leaves its socket behind.
-bool antwortet(const std::string& socket) {
-    sockaddr_un adresse{};
-    adresse.sun_family = AF_UNIX;
-    if (!socket.starts_with('/') || socket.size() >= sizeof adresse.sun_path) return false;
-    socket.copy(adresse.sun_path, socket.size());
-    const Dateideskriptor fd(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
-    return fd && ::connect(fd.get(), reinterpret_cast<const sockaddr*>(&adresse), sizeof adresse) == 0;
 }
 
 bool klangserverDa() {

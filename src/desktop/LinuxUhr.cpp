@@ -15,6 +15,9 @@ namespace {
 constexpr std::int64_t kNsJeSekunde = 1'000'000'000;
 constexpr std::int64_t kUnixNullTag = 25569;  // 1 January 1970 in days since 30 December 1899
 constexpr std::int64_t kSekundenJeTag = 86400;
+// What nanoseconds since 1970 can count in 64 bits, in every zone.
+constexpr int kErstesJahr = 1971;
+constexpr int kLetztesJahr = 2200;
 
 std::int64_t nanosekunden(clockid_t uhr) {
     timespec zeit{};
@@ -69,7 +72,8 @@ std::optional<Datum> uhrAusText(std::string_view text) {
         if (!wert) return std::nullopt;
         teile[i] = *wert;
     }
-    if (teile[0] < 1900 || teile[3] > 23 || teile[4] > 59 || teile[5] > 59) return std::nullopt;
+    if (teile[0] < kErstesJahr || teile[0] > kLetztesJahr || teile[3] > 23 || teile[4] > 59 || teile[5] > 59)
+        return std::nullopt;
     std::tm tm{};
     tm.tm_year = teile[0] - 1900;
     tm.tm_mon = teile[1] - 1;

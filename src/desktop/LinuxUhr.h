@@ -13,8 +13,8 @@
 
 namespace wendel {
 
-// Reads "yyyy-mm-dd hh:mm:ss" (a "T" between the parts will do); nothing for any other text or a day that the
-// calendar lacks.
+// Reads "yyyy-mm-dd hh:mm:ss" (a "T" between the parts will do); nothing for any other text, a day that the
+// calendar lacks, or a year before 1971 or after 2200.
 std::optional<Datum> uhrAusText(std::string_view text);
 
 class LinuxUhr : public Uhr {
@@ -30,6 +30,7 @@ class LinuxUhr : public Uhr {
     // What nachrichtenVerarbeiten() does: the composition root hands in its event loop. Unset: nothing.
     void setzeNachrichten(std::function<void()> nachrichten);
 
+    // Follows a change of the system's time zone within the hour.
     Datum jetzt() override;
     // Counts the time that the machine slept, too: a wait is over by the clock on the wall, and a gap between
     // two ticks is seen.
@@ -40,7 +41,7 @@ class LinuxUhr : public Uhr {
     // Milliseconds, 1 to 1000, until jetzt() shows the next second: a tick started then is aligned.
     int msBisZurNaechstenSekunde();
 
-    // Reads the system's time zone again. jetzt() does so by itself once an hour.
+    // Reads the system's time zone at once: after a wake-up the user may have travelled.
     void zoneNeuLesen();
 
   private:

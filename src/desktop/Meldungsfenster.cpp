@@ -100,11 +100,20 @@ Antwort Meldungsfenster::meldung(const std::string& text, int stil, const std::s
         const bool fremd = vorn != 0 && QApplication::activeWindow() == nullptr;
         box.setAttribute(Qt::WA_ShowWithoutActivating, fremd);
     }
-    box.exec();
+    frage(box);
     for (std::size_t i = 0; i < widgets.size(); ++i) {
         if (box.clickedButton() == widgets[i]) return liste[i].antwort;
     }
     return liste.back().antwort;
+}
+
+// Modal to its own window only: the toolkit's application-wide modality would take the mouse from notices
+// too.
+void Meldungsfenster::frage(QMessageBox& box) {
+    box.setWindowModality(Qt::WindowModal);
+    if (offeneFragen_++ == 0) sperre_(true);
+    box.exec();
+    if (--offeneFragen_ == 0) sperre_(false);
 }
 
 void Meldungsfenster::zeigeFehlerOhneWarten(const std::string& text, int nummer, const std::string& quelle,

@@ -4,6 +4,8 @@
 
 #include <QMessageBox>
 #include <QPointer>
+#include <functional>
+#include <utility>
 
 #include "platform/ports/Fenstersystem.h"
 #include "platform/ports/Meldungen.h"
@@ -18,6 +20,11 @@ class Meldungsfenster final : public Meldungen {
     Meldungsfenster(const Meldungsfenster&) = delete;
     Meldungsfenster& operator=(const Meldungsfenster&) = delete;
 
+    // Called with true while at least one box waits for its answer: whoever owns windows that must not be
+    // used meanwhile disables them. Notices stay usable, or one that comes up in front of a box would lock
+    // the screen.
+    void setzeSperre(std::function<void(bool)> sperre) { sperre_ = std::move(sperre); }
+
     // Runs an event loop of its own until the answer. When the program ends meanwhile, the answer is the one
     // that changes nothing: Abbrechen, else Nein, else Ok.
     Antwort meldung(const std::string& text, int stil, const std::string& titel) override;
@@ -26,7 +33,11 @@ class Meldungsfenster final : public Meldungen {
                                const std::string& beschreibung, const std::string& titel) override;
 
   private:
+    void frage(QMessageBox& box);
+
     Fenstersystem& fenster_;
+    std::function<void(bool)> sperre_ = [](bool) {};
+    int offeneFragen_ = 0;
     QPointer<QMessageBox> fehlerfenster_;
 };
 

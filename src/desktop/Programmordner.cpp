@@ -5,19 +5,14 @@
 
 #include <array>
 #include <climits>
-#include <cstdlib>
 
 #include "desktop/LinuxDateisystem.h"
 #include "desktop/Pfade.h"
+#include "desktop/Umgebung.h"
 
 namespace wendel {
 
 namespace {
-
-std::string ausUmgebung(const char* name) {
-    const char* wert = std::getenv(name);
-    return wert ? wert : "";
-}
 
 std::string heimordner() {
     if (const std::string home = ausUmgebung("HOME"); !home.empty()) return home;
@@ -51,15 +46,10 @@ std::string mitTrenner(std::string pfad) {
 
 }  // namespace
 
-std::string eigeneProgrammdatei() {
+std::string eigenerProgrammordner() {
     std::array<char, PATH_MAX> pfad{};
     const ssize_t n = ::readlink("/proc/self/exe", pfad.data(), pfad.size());
-    return n > 0 ? std::string(pfad.data(), static_cast<std::size_t>(n)) : std::string();
-}
-
-std::string eigenerProgrammordner() {
-    const std::string datei = eigeneProgrammdatei();
-    return datei.empty() ? datei : elternordner(datei);
+    return n > 0 ? elternordner({pfad.data(), static_cast<std::size_t>(n)}) : std::string();
 }
 
 Programmlage programmlage() {

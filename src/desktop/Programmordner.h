@@ -7,8 +7,7 @@
 
 namespace wendel {
 
-// Native path of the running executable and of its folder, without a closing "/"; "" when /proc is missing.
-std::string eigeneProgrammdatei();
+// Native folder of the running executable, without a closing "/"; "" when /proc is missing.
 std::string eigenerProgrammordner();
 
 // What the rules below look at; umgebung() fills it from the process.

@@ -41,6 +41,7 @@ void Sekundentakt::schlage() {
 
 void Sekundentakt::aufgewacht() {
     if (melder_.lesen() == AufwachMelder::Anlass::Nichts) return;
+    uhr_.zoneNeuLesen();
     schlage();
 }
 
