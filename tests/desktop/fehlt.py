@@ -52,6 +52,27 @@ def ohne_bus():
     p.beende()
 
 
+def datenbank_geht_kaputt():
+    """The database is damaged while the program runs: the notice comes, the box beside it blocks the list only."""
+    p = Lomrick().starte(uhr='2012-12-24 21:44:56')
+    warte_fenster(LISTE)
+    datei = os.path.join(p.ordner, 'tvdaten.mdb')
+    os.chmod(datei, 0o644)
+    with open(datei, 'wb') as f:
+        f.write(bytes(100000))
+    hinweis = warte_fenster(HINWEIS, 15)
+    warte(lambda: len(fenster(LISTE)) == 2, 'the list and a box of the same title')
+    time.sleep(0.3)  # the notice takes an answer
+    bild('hinweis-vor-box')
+    x, y, b, h = lage(hinweis)
+    klick(x + b - 66, y + h - 30)
+    warte_weg(HINWEIS, 3)
+    assert len(fenster(LISTE)) == 2, 'the box still waits'
+    with open(datei, 'rb') as f:
+        assert f.read() == bytes(100000), 'a damaged file stays as it is'
+    p.beende()
+
+
 def beenden_im_menue():
     """The way out: the list's popup menu."""
     p = Lomrick().starte(uhr='2012-12-24 12:00:00')
@@ -65,7 +86,7 @@ def beenden_im_menue():
 
 
 faelle = {'ohne-bus': [ohne_bus],
-          'alles': [ohne_bildschirm, ohne_datenbank, falsche_uhr, hilfe, beenden_im_menue]}
+          'alles': [ohne_bildschirm, ohne_datenbank, falsche_uhr, hilfe, datenbank_geht_kaputt, beenden_im_menue]}
 for fall in faelle[sys.argv[1]]:
     print(fall.__name__, flush=True)
     fall()
