@@ -12,31 +12,11 @@ using namespace ModulProzessliste;
 using namespace ModulFenster;
 using Texte = std::vector<std::string>;
 
-struct ProcessNames : testing::Test {
-    ProcessNames() {
-        prozesse.laufende = {{"\\usr\\lib\\Fennow.exe", 12},   {"kaffee", 7},
-                             {"\\opt\\ÄRGER.EXE", 4294967295}, {"\\a\\fennow.exe", 13},
-                             {"\\wendel.exe", 4711},           {"/usr/bin/x", 9}};
-    }
+TEST(ProcessNames, AreComparedInLowerCaseAndWhole) {
     FakeProzesse prozesse;
-};
-
-TEST_F(ProcessNames, AreListedInLowerCaseWithTheirIds) {
-    EXPECT_EQ(GetProcessList(prozesse), (Texte{"fennow.exe|12", "kaffee|7", "ärger.exe|4294967295",
-                                               "fennow.exe|13", "wendel.exe|4711", "/usr/bin/x|9"}));
-    for (const char* name : {"FENNOW.EXE", "Ärger.exe", "kaffee", "/usr/bin/x"})
-        EXPECT_TRUE(IsProcessRunning(prozesse, name)) << name;
-    for (const char* name : {"fennow", "x", "kaffee|7"})
-        EXPECT_FALSE(IsProcessRunning(prozesse, name)) << name;
-}
-
-TEST_F(ProcessNames, EndsAllOfANameButNeverItself) {
-    prozesse.unbeendbar = {13};
-    EXPECT_TRUE(EndProcessByName(prozesse, "Fennow.exe")) << "one of them is enough";
-    EXPECT_EQ(prozesse.beendet, std::vector<std::uint32_t>{12});
-    EXPECT_FALSE(EndProcessByName(prozesse, "fennow.exe"));
-    EXPECT_FALSE(EndProcessByName(prozesse, "wendel.exe"));
-    EXPECT_TRUE(IsProcessRunning(prozesse, "wendel.exe"));
+    prozesse.laufende = {{"\\usr\\lib\\Fennow.exe", 12}, {"\\opt\\ÄRGER.EXE", 4294967295}, {"/usr/bin/x", 9}};
+    EXPECT_TRUE(IsProcessRunning(prozesse, "FENNOW.EXE") && IsProcessRunning(prozesse, "Ärger.exe"));
+    EXPECT_FALSE(IsProcessRunning(prozesse, "fennow") || IsProcessRunning(prozesse, "x"));
 }
 
 struct Foreground : testing::Test {
@@ -49,11 +29,9 @@ struct Foreground : testing::Test {
     FakeFenstersystem fenster;
 };
 
-TEST_F(Foreground, WindowInFrontIsLeftAlone) {
+TEST_F(Foreground, IsLeftAloneInFrontAndSharesInputOnlyAroundTheCall) {
     EXPECT_EQ(aufrufe(2, true), Texte{"Fenstersystem.vordergrundfenster()"});
-}
-
-TEST_F(Foreground, InputIsSharedOnlyAroundTheCall) {
+    fenster.aufrufe().zeilen.clear();
     EXPECT_EQ(aufrufe(1, true),
               (Texte{"Fenstersystem.vordergrundfenster()", "Fenstersystem.fensterThread(1)",
                      "Fenstersystem.fensterThread(2)", "Fenstersystem.eingabeVerbinden(100, 200, an)",
@@ -68,20 +46,6 @@ TEST_F(Foreground, MinimisedWindowOfTheOwnThreadIsRestoredEvenWhenRefused) {
               (Texte{"Fenstersystem.vordergrundfenster()", "Fenstersystem.fensterThread(3)",
                      "Fenstersystem.fensterThread(2)", "Fenstersystem.vordergrundSetzen(2)",
                      "Fenstersystem.istMinimiert(2)", "Fenstersystem.wiederherstellen(2)"}));
-}
-
-TEST(TitleBar, HeightFollowsTheScaleMode) {
-    EXPECT_EQ(GetFensterTitelHoeheInTwips({kSkalenmodusTwips, 3000, 2600, 15}), 400);
-    EXPECT_EQ(GetFensterTitelHoeheInTwips({kSkalenmodusPixel, 3000, 180, 12}), 840);
-    constexpr int kZentimeter = 7;
-    try {
-        GetFensterTitelHoeheInTwips({kZentimeter, 3000, 180, 15});
-        ADD_FAILURE() << "no error";
-    } catch (const Fehler& fehler) {
-        EXPECT_EQ(fehler.nummer(), 1);
-        EXPECT_EQ(fehler.quelle(), "GetFensterTitelHoeheInTwips");
-        EXPECT_EQ(fehler.beschreibung(), "Nur Twips oder Pixel werden als Scalemode unterstützt.");
-    }
 }
 
 }  // namespace

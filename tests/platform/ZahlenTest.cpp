@@ -71,12 +71,5 @@ TEST(NumberTexts, AreShortAndReadBack) {
     }
 }
 
-TEST(NumberTexts, ArePaddedWithZeros) {
-    EXPECT_EQ(mitNullen(5, 2), "05");
-    EXPECT_EQ(mitNullen(123, 2), "123");
-    EXPECT_EQ(mitNullen(-5, 2), "-05");
-    EXPECT_EQ(mitNullen(std::numeric_limits<std::int64_t>::min(), 1), "-9223372036854775808");
-}
-
 }  // namespace
 }  // namespace wendel

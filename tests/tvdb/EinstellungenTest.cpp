@@ -70,26 +70,19 @@ TEST_F(EinstellungenTest, LesefehlerHabenIhreNummernUndErgebenDenErsatzwert) {
     pruefe(bytes(beispiel(1)), 31, 9);
     dateien.scheitert = alle("lesen");
     pruefe(bytes(beispiel()), 7, 75);
-    dateien.scheitert = nullptr;
-    dateien.entferne(kPfad);
-    EXPECT_EQ(einstellungen.Einstellung(7, Variant::lang(3)), Variant::lang(3));
-    EXPECT_EQ(datei(), "(fehlt)") << "asking with a default makes no file";
 }
 
+// Each row: stored, default, result.
 TEST_F(EinstellungenTest, WerteKommenRohUndFrischOderImTypDesErsatzwerts) {
-    const Variant ganz = Variant::integer(24), wahr = Variant::boolesch(true),
-                  falsch = Variant::boolesch(false), nie = Variant::datum(Datum()),
-                  fest = Variant::datum(DateSerial(2012, 12, 24));
-    // clang-format off
-    const std::array<Variant, 3> faelle[] = {  // stored, default, result
-        {Variant(), ganz, ganz}, {Variant::null(), ganz, ganz}, {Variant::integer(0), ganz, Variant::integer(0)},
-        {Variant::lang(48), ganz, Variant::integer(48)}, {Variant::lang(40000), ganz, ganz},
-        {Variant::text(" 48"), ganz, Variant::integer(48)}, {Variant::text("abc"), ganz, ganz},
-        {Variant::array(Array::eindimensional(0, 1)), ganz, ganz}, {Variant::lang(0), wahr, falsch},
-        {Variant::text("Falsch"), wahr, falsch}, {Variant::text("vielleicht"), wahr, wahr},
-        {Variant::integer(5), Variant::text("ja"), Variant::text("5")}, {Variant::doppelt(41267), nie, fest},
-        {Variant::text("24.12.2012"), nie, fest}, {Variant::doppelt(1e300), nie, nie}};
-    // clang-format on
+    const Variant ganz = Variant::integer(24), wahr = Variant::boolesch(true);
+    const std::array<Variant, 3> faelle[] = {
+        {Variant(), ganz, ganz},
+        {Variant::integer(0), ganz, Variant::integer(0)},
+        {Variant::lang(40000), ganz, ganz},
+        {Variant::array(Array::eindimensional(0, 1)), ganz, ganz},
+        {Variant::text("Falsch"), wahr, Variant::boolesch(false)},
+        {Variant::text("vielleicht"), wahr, wahr},
+        {Variant::text("24.12.2012"), Variant::datum(Datum()), Variant::datum(DateSerial(2012, 12, 24))}};
     for (const auto& [gespeichert, ersatz, erwartet] : faelle) {
         SCOPED_TRACE(&gespeichert - &faelle[0][0]);
         lege(bytes(beispiel(0, 30, 7, gespeichert)));

@@ -53,7 +53,8 @@ TEST(Grundbefehle, DatumAusTextLiestJedeForm) {
     // clang-format on
     for (const auto& [text, erwartet] : kFaelle) {
         std::string gelesen;
-        const Gemeldet fehler = fehlerVon([&] { gelesen = DatumKompakt(DatumAusText(text)); });
+        const Gemeldet fehler =
+            fehlerVon([&, eingabe = text] { gelesen = DatumKompakt(DatumAusText(eingabe)); });
         EXPECT_EQ(gelesen, erwartet) << text;
         EXPECT_EQ(IstDatumsausdruck(text), fehler.nummer == 0) << text;
         if (fehler.nummer == 0) continue;
