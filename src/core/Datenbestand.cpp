@@ -32,6 +32,13 @@ std::vector<GespeicherterTermin> ohne(std::vector<GespeicherterTermin> alle,
     return alle;
 }
 
+// A settings file that was made anew has lost its content; nothing was deleted from it on purpose.
+bool istNeu(const Variant& array) {
+    const auto& elemente = array.alsArray().elemente;
+    return std::all_of(elemente.begin(), elemente.end(),
+                       [](const Variant& element) { return element.istLeer(); });
+}
+
 TerminZeiger suche(const Terminliste& termine, const Hinweisschluessel& schluessel) {
     const auto gefunden = std::find_if(termine.begin(), termine.end(), [&](const TerminZeiger& termin) {
         return termin->WeckZeit == schluessel.moment && hinweisschluessel(*termin) == schluessel;
@@ -115,7 +122,7 @@ bool Datenbestand::speichernWennNoetig() {
 // be lost, those it deleted would come back.
 void Datenbestand::fremdeAenderungenUebernehmen() {
     const std::optional<Variant> array = einstellungen_.arrayOderNichts();
-    if (!array) return;
+    if (!array || istNeu(*array)) return;
     const auto jetzige = termineAusVariant(elementOderErsatz(*array, einstellung::kTermin, Variant()));
     for (const auto& geloescht : ohne(abgelegt_, jetzige)) {
         const auto gefunden = std::find_if(eigene_.begin(), eigene_.end(), [&](const TerminZeiger& termin) {

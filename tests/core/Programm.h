@@ -2,11 +2,9 @@
 // The whole logic on fakes: a programme folder in memory, a TV database that answers the program's statements
 // from plain rows, views that remember what they show. A test moves the clock and looks at the notice.
 
-#include <algorithm>
 #include <memory>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "core/Anwendung.h"
@@ -35,24 +33,19 @@ class FakeWendelView : public FormWendelView {
     bool gezeigt = false, geladen = true;
     int nachVornGeholt = 0, zeilenGesetzt = 0;
     std::vector<Terminzeile> zeilen;
-    std::optional<std::size_t> auswahl;
-    std::string liveUpdate;
 
     Fensterhandle hwnd() override { return kFenster; }
-    void zeigen() override { gezeigt = true, notiere("zeigen"); }
-    void verstecken() override { gezeigt = false, notiere("verstecken"); }
+    void zeigen() override { gezeigt = true, aufrufe_.zeilen.push_back("FormWendel.zeigen"); }
+    void verstecken() override { gezeigt = false; }
     bool sichtbar() override { return gezeigt; }
-    void nachVorn() override { ++nachVornGeholt, notiere("nachVorn"); }
-    void setzeZeilen(const std::vector<Terminzeile>& neu, std::optional<std::size_t> gewaehlt) override {
-        zeilen = neu, auswahl = gewaehlt, ++zeilenGesetzt, notiere("setzeZeilen");
+    void nachVorn() override { ++nachVornGeholt; }
+    void setzeZeilen(const std::vector<Terminzeile>& neu, std::optional<std::size_t>) override {
+        zeilen = neu, ++zeilenGesetzt;
     }
-    void setzeLiveUpdateEinstellungen(const std::string& text) override { liveUpdate = text; }
-    void entladen() override { geladen = false, notiere("entladen"); }
+    void setzeLiveUpdateEinstellungen(const std::string&) override {}
+    void entladen() override { geladen = false; }
 
   private:
-    void notiere(const char* was) {
-        if (aufrufe_.mitschreiben) aufrufe_.zeilen.push_back(std::string("FormWendel.") + was);
-    }
     Aufrufe& aufrufe_;
 };
 
@@ -62,10 +55,10 @@ class FakeHinweisView : public FormHinweisView {
     explicit FakeHinweisView(Aufrufe& aufrufe) : aufrufe_(aufrufe) {}
 
     bool gezeigt = false;
-    std::string titel, text;
+    std::string text;
     std::vector<std::string> alleTexte;  // one for each time the window came up
 
-    void setzeTitel(const std::string& neu) override { titel = neu; }
+    void setzeTitel(const std::string&) override {}
     void setzeText(const std::string& neu) override { text = neu; }
     void setzeFunktionen(const std::vector<std::string>&) override {}
     void setzeAuswahl(int) override {}
@@ -103,24 +96,6 @@ struct FakeTvDaten {
         if (gesperrt) return Fehler(sperrnummer, "DAO.Database", "Gesperrt.");
         if (sql.find("from Sender ") != std::string::npos) return sendertabelle();
         const bool erinnerungen = sql.find("Erinnerung=true") != std::string::npos;
-        return markierungstabelle(erinnerungen);
-    }
-
-  private:
-    FakeAntwort sendertabelle() const {
-        FakeTabelle tabelle{
-            {"Bezeichnung", "BezeichnungKurz", "KzBezeichnungSchützen", "Senderkennung", "DatenNr", "Zeichen",
-             "Webseite", "GueltigAb", "GueltigBis", "Favorit", "Gruppe"},
-            {}};
-        for (const std::string& name : sender) {
-            tabelle.zeilen.push_back({Variant::text(name), Variant::text(name), Variant::boolesch(false),
-                                      Variant::text(name), Variant::text("1"), Variant::null(),
-                                      Variant::null(), Variant::null(), Variant::null(),
-                                      Variant::boolesch(true), Variant::null()});
-        }
-        return tabelle;
-    }
-    FakeAntwort markierungstabelle(bool erinnerungen) const {
         FakeTabelle tabelle{{"Optionen", "Datum", "Uhrzeit", "Dauer", "Sendung", "Senderkennung"}, {}};
         for (const Markierung& m : markierungen) {
             if (erinnerungen ? m.erinnerung == Datum() : !m.aufzeichnung) continue;
@@ -128,6 +103,20 @@ struct FakeTvDaten {
                 {Variant::text("Erinnerungszeit=" + datumKompakt(m.erinnerung).substr(0, 12)),
                  Variant::datum(m.beginn.datumsteil()), Variant::datum(m.beginn.uhrzeitteil()),
                  Variant::text(std::to_string(m.dauer)), Variant::text(m.titel), Variant::text("ARD")});
+        }
+        return tabelle;
+    }
+
+  private:
+    FakeAntwort sendertabelle() const {
+        FakeTabelle tabelle{
+            {"Senderkennung", "Bezeichnung", "BezeichnungKurz", "DatenNr", "KzBezeichnungSchützen", "Favorit",
+             "Zeichen", "Webseite", "GueltigAb", "GueltigBis", "Gruppe"},
+            {}};
+        for (const std::string& name : sender) {
+            auto& zeile = tabelle.zeilen.emplace_back(4, Variant::text(name));
+            zeile.resize(6, Variant::boolesch(true));
+            zeile.resize(11, Variant::null());
         }
         return tabelle;
     }
@@ -152,16 +141,13 @@ class Programm {
 
     // A new process on the files as they are.
     Startergebnis starte(const std::string& befehlszeile = "/m") {
-        erschaffe(befehlszeile);
-        return anwendung->starten();
-    }
-    void erschaffe(const std::string& befehlszeile) {
         anwendung.reset();
         fenster = std::make_unique<FakeWendelView>(ports.aufrufe);
         hinweis = std::make_unique<FakeHinweisView>(ports.aufrufe);
         anwendung = std::make_unique<Anwendung>(
             ports.ports(), *fenster, *hinweis,
             Startumgebung{"wendel", befehlszeile, kTestordner, [this] { return ersteKopie; }});
+        return anwendung->starten();
     }
     void toete() { anwendung.reset(); }
 
@@ -188,13 +174,15 @@ class Programm {
         form.cmdOK_Click();
     }
 
-    Einstellungen einstellungen() { return Einstellungen(ports.dateien, kTestordner); }
-    void setze(std::int32_t index, const Variant& wert) { einstellungen().setzeEinstellung(index, wert); }
+    void setze(std::int32_t index, const Variant& wert) {
+        Einstellungen(ports.dateien, kTestordner).setzeEinstellung(index, wert);
+    }
     void setzeTermine(const std::vector<GespeicherterTermin>& termine) {
         setze(einstellung::kTermin, termineAlsVariant(termine));
     }
     std::vector<GespeicherterTermin> gespeicherteTermine() {
-        return termineAusVariant(einstellungen().Einstellung(einstellung::kTermin, Variant()));
+        Einstellungen einstellungen(ports.dateien, kTestordner);
+        return termineAusVariant(einstellungen.Einstellung(einstellung::kTermin, Variant()));
     }
 };
 

@@ -1,6 +1,5 @@
 #include <utility>
 
-#include "platform/Text.h"
 #include "support/Fakes.h"
 
 namespace wendel {
@@ -16,34 +15,13 @@ std::pair<std::string, std::string> zerlege(const std::string& absolut) {
 }  // namespace
 
 std::string FakeDateisystem::absolut(const std::string& pfad) const {
-    const bool vonWurzel = !pfad.empty() && (pfad[0] == '\\' || pfad[0] == '/');
-    const bool mitLaufwerk = pfad.size() >= 2 && pfad[1] == ':';
-    std::string ergebnis;
-    for (const char zeichen : (vonWurzel || mitLaufwerk) ? pfad : aktuell_ + pfad) {
-        const char trenner = zeichen == '/' ? '\\' : zeichen;
-        if (trenner == '\\' && !ergebnis.empty() && ergebnis.back() == '\\') continue;
-        ergebnis += trenner;
-    }
-    return ergebnis;
+    return pfad.starts_with('\\') || pfad.substr(0, 2).ends_with(':') ? pfad : aktuell_ + pfad;
 }
 
 std::string FakeDateisystem::ordnerpfad(const std::string& pfad) const {
     std::string ergebnis = absolut(pfad);
     if (ergebnis.empty() || ergebnis.back() != '\\') ergebnis += '\\';
     return ergebnis;
-}
-
-const std::string* FakeDateisystem::finde(const std::string& pfad) const {
-    if (pfad.empty()) return nullptr;
-    const std::string gesucht = absolut(pfad);
-    if (const auto genau = dateien_.find(gesucht); genau != dateien_.end()) return &genau->first;
-    const auto [ordner, name] = zerlege(gesucht);
-    for (auto it = dateien_.lower_bound(ordner); it != dateien_.end() && it->first.starts_with(ordner);
-         ++it) {
-        const std::string rest = it->first.substr(ordner.size());
-        if (rest.find('\\') == std::string::npos && gleichOhneGrossKlein(rest, name)) return &it->first;
-    }
-    return nullptr;
 }
 
 // ---- setting up and looking ----
@@ -66,8 +44,7 @@ void FakeDateisystem::entferne(const std::string& pfad) { dateien_.erase(absolut
 
 std::optional<std::string> FakeDateisystem::inhalt(const std::string& pfad) const {
     const auto treffer = dateien_.find(absolut(pfad));
-    if (treffer == dateien_.end()) return std::nullopt;
-    return treffer->second;
+    return treffer == dateien_.end() ? std::nullopt : std::optional(treffer->second);
 }
 
 std::vector<std::string> FakeDateisystem::dateien() const {
@@ -130,20 +107,17 @@ bool FakeDateisystem::schreibe(std::string_view name, const std::string& pfad, s
 
 // ---- the port ----
 
-bool FakeDateisystem::existiert(const std::string& pfad) { return vorgang("existiert", pfad) && finde(pfad); }
+bool FakeDateisystem::existiert(const std::string& pfad) {
+    return vorgang("existiert", pfad) && inhalt(pfad);
+}
 
 std::optional<std::uint64_t> FakeDateisystem::groesse(const std::string& pfad) {
-    if (!vorgang("groesse", pfad)) return std::nullopt;
-    const std::string* name = finde(pfad);
-    if (!name) return std::nullopt;
-    return dateien_.at(*name).size();
+    const auto gelesen = vorgang("groesse", pfad) ? inhalt(pfad) : std::nullopt;
+    return gelesen ? std::optional<std::uint64_t>(gelesen->size()) : std::nullopt;
 }
 
 std::optional<std::string> FakeDateisystem::lesen(const std::string& pfad) {
-    if (!vorgang("lesen", pfad)) return std::nullopt;
-    const std::string* name = finde(pfad);
-    if (!name) return std::nullopt;
-    return dateien_.at(*name);
+    return vorgang("lesen", pfad) ? inhalt(pfad) : std::nullopt;
 }
 
 bool FakeDateisystem::anlegen(const std::string& pfad) {

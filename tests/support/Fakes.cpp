@@ -66,11 +66,8 @@ namespace {
 
 // What closing the box means to each kind of buttons.
 Antwort ablehnung(int stil) {
-    switch (stil & 15) {
-        case 0: return Antwort::Ok;
-        case 4: return Antwort::Nein;
-        default: return Antwort::Abbrechen;
-    }
+    const int knoepfe = stil & 15;
+    return knoepfe == 0 ? Antwort::Ok : knoepfe == 4 ? Antwort::Nein : Antwort::Abbrechen;
 }
 
 }  // namespace
@@ -91,11 +88,6 @@ void FakeMeldungen::zeigeFehlerOhneWarten(const std::string& text, int, const st
 }
 
 // ---- windows ----
-
-Arbeitsbereich FakeFenstersystem::arbeitsbereich() {
-    aufrufe().notiere(Portart::Fenstersystem, "arbeitsbereich");
-    return bereich;
-}
 
 Fensterhandle FakeFenstersystem::vordergrundfenster() {
     aufrufe().notiere(Portart::Fenstersystem, "vordergrundfenster");
@@ -137,18 +129,12 @@ void FakeFenstersystem::zeigen(Fensterhandle handle) {
 
 bool FakeFenstersystem::aktivierenNachTitel(const std::string& titel) {
     aufrufe().notiere(Portart::Fenstersystem, "aktivierenNachTitel", titel);
-    if (titel.empty()) return false;
-    const std::string gesucht = LCase(titel);
-    const auto aktiviere = [&](auto passt) {
-        for (const auto& [handle, eintrag] : fenster) {
-            if (!passt(LCase(eintrag.titel))) continue;
-            vordergrund = handle;
-            return true;
-        }
-        return false;
-    };
-    return aktiviere([&](const std::string& t) { return t == gesucht; }) ||
-           aktiviere([&](const std::string& t) { return t.starts_with(gesucht); });
+    for (const auto& [handle, eintrag] : fenster) {
+        if (eintrag.titel != titel) continue;
+        vordergrund = handle;
+        return true;
+    }
+    return false;
 }
 
 void FakeFenstersystem::sanduhr(bool an) {
@@ -177,7 +163,7 @@ bool FakeProzesse::beenden(std::uint32_t id) {
     aufrufe().notiere(Portart::Prozesse, "beenden", std::to_string(id));
     const auto treffer = std::find_if(laufende.begin(), laufende.end(),
                                       [id](const Prozess& prozess) { return prozess.id == id; });
-    if (treffer == laufende.end() || id == eigene || unbeendbar.contains(id)) return false;
+    if (treffer == laufende.end() || id == kEigene || unbeendbar.contains(id)) return false;
     laufende.erase(treffer);
     beendet.push_back(id);
     return true;
@@ -193,42 +179,38 @@ int FakeStarter::ausfuehren(const std::string& datei, const std::string& paramet
 bool FakeAutomation::rufeDoThis(const std::string& klasse, const std::string& text) {
     aufrufe().notiere(Portart::Automation, "rufeDoThis", klasse + ", " + text);
     rufe.push_back({klasse, text});
-    return erfolg;
+    return true;
 }
 
 void FakeAutomation::setzeWartemeldung(const std::string& titel, const std::string& text, int zeitMs) {
-    aufrufe().notiere(Portart::Automation, "setzeWartemeldung", text);
-    wartemeldung = Wartemeldung{titel, text, zeitMs};
+    aufrufe().notiere(Portart::Automation, "setzeWartemeldung",
+                      titel + ", " + text + ", " + std::to_string(zeitMs));
 }
 
 // ---- tray ----
 
 std::string FakeSymbol::tooltip() const {
-    if (datensaetze.empty()) return {};
-    const Datensatz& letzter = datensaetze.back();
-    const auto beginn = letzter.begin() + 24;
-    return ausWindows1252(std::string(beginn, std::find(beginn, letzter.end(), std::uint8_t{0})));
+    if (symbole.empty()) return {};
+    const Datensatz& satz = symbole.begin()->second;
+    return ausWindows1252(std::string(satz.begin() + 24, std::find(satz.begin() + 24, satz.end(), 0)));
 }
 
-// Returns the record's identifier.
-std::uint32_t FakeSymbol::merke(std::span<const std::uint8_t, 88> datensatz) {
-    std::copy(datensatz.begin(), datensatz.end(), datensaetze.emplace_back().begin());
+void FakeSymbol::merke(std::span<const std::uint8_t, 88> datensatz, bool neu) {
     std::uint32_t kennung = 0;
     for (std::size_t i = 12; i-- > 8;)
         kennung = kennung << 8 | datensatz[i];
-    return kennung;
+    if (neu != symbole.contains(kennung))
+        std::copy(datensatz.begin(), datensatz.end(), symbole[kennung].begin());
 }
 
 void FakeSymbol::hinzufuegen(std::span<const std::uint8_t, 88> datensatz) {
     aufrufe().notiere(Portart::TaskleistenSymbol, "hinzufuegen");
-    const std::uint32_t kennung = merke(datensatz);
-    symbole.emplace(kennung, datensaetze.back());
+    merke(datensatz, true);
 }
 
 void FakeSymbol::aendern(std::span<const std::uint8_t, 88> datensatz) {
     aufrufe().notiere(Portart::TaskleistenSymbol, "aendern");
-    if (const auto treffer = symbole.find(merke(datensatz)); treffer != symbole.end())
-        treffer->second = datensaetze.back();
+    merke(datensatz, false);
 }
 
 void FakeSymbol::entfernen(std::uint32_t kennung) {
@@ -242,11 +224,6 @@ bool FakeRechner::rechnername(std::string& puffer) {
     aufrufe().notiere(Portart::Rechner, "rechnername");
     if (nameBekannt) puffer = name;
     return nameBekannt;
-}
-
-std::int32_t FakeRechner::freierSpeicher() {
-    aufrufe().notiere(Portart::Rechner, "freierSpeicher");
-    return speicher;
 }
 
 double FakeRechner::zufall() {

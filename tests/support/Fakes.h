@@ -100,7 +100,7 @@ class FakeUhr : public FakeBasis, public Uhr {
 struct Absturz {};
 
 // Files in memory. A path is absolute when it begins with "\" or a drive letter, else it counts from the
-// current folder; "/" and doubled separators are accepted. Folders must exist for their files to be written.
+// current folder; case counts, also in reading. Folders must exist for their files to be written.
 class FakeDateisystem : public FakeBasis, public Dateisystem {
   public:
     // What a kill leaves of the write it hits: nothing, its first half, all of it. A replacing write and the
@@ -113,9 +113,9 @@ class FakeDateisystem : public FakeBasis, public Dateisystem {
     void lege(const std::string& pfad, std::string inhalt);  // makes the folders too
     void legeOrdner(const std::string& pfad);
     void entferne(const std::string& pfad);
-    std::optional<std::string> inhalt(const std::string& pfad) const;  // exact case
-    std::vector<std::string> dateien() const;                          // absolute paths in order
-    const std::string& aktuellerOrdner() const { return aktuell_; }    // ends in "\"
+    std::optional<std::string> inhalt(const std::string& pfad) const;
+    std::vector<std::string> dateien() const;                        // absolute paths in order
+    const std::string& aktuellerOrdner() const { return aktuell_; }  // ends in "\"
 
     // The n-th write from now (1 is the next) fails, with half of it done when teilweise is set.
     void scheitereBeimSchreiben(int n, bool teilweise = false);
@@ -153,7 +153,6 @@ class FakeDateisystem : public FakeBasis, public Dateisystem {
                   const std::function<void(std::string& datei, std::string_view teil)>& tue);
     std::string absolut(const std::string& pfad) const;
     std::string ordnerpfad(const std::string& pfad) const;
-    const std::string* finde(const std::string& pfad) const;
 
     std::map<std::string, std::string> dateien_;
     std::set<std::string> ordner_ = {"\\"};
@@ -201,10 +200,11 @@ class FakeFenstersystem : public FakeBasis, public Fenstersystem {
     std::map<Fensterhandle, Fenster> fenster;  // others come into being when they are asked about
     Fensterhandle vordergrund = 0;
     bool vordergrundErlaubt = true;
-    Arbeitsbereich bereich{0, 0, 1920, 1040};
     bool sanduhrAn = false;
 
-    Arbeitsbereich arbeitsbereich() override;
+    Arbeitsbereich arbeitsbereich() override {
+        return aufrufe().zaehle(Portart::Fenstersystem), Arbeitsbereich{0, 0, 1920, 1040};
+    }
     Fensterhandle vordergrundfenster() override;
     std::uint64_t fensterThread(Fensterhandle handle) override;
     void eingabeVerbinden(std::uint64_t vonThread, std::uint64_t zuThread, bool verbinden) override;
@@ -230,14 +230,13 @@ class FakeProzesse : public FakeBasis, public Prozesse {
   public:
     using FakeBasis::FakeBasis;
     std::vector<Prozess> laufende;
-    int plattform = 2;
+    static constexpr std::uint32_t kEigene = 4711;  // the calling process, never ended
     std::set<std::uint32_t> unbeendbar;
     std::vector<std::uint32_t> beendet;  // successful ends; the process leaves laufende
-    std::uint32_t eigene = 4711;         // the calling process, never ended
 
     std::vector<Prozess> liste() override;
     [[nodiscard]] bool beenden(std::uint32_t id) override;
-    int plattformkennung() override { return plattform; }
+    int plattformkennung() override { return 2; }
 };
 
 class FakeStarter : public FakeBasis, public Dateistarter {
@@ -261,30 +260,22 @@ class FakeAutomation : public FakeBasis, public Automation {
         std::string klasse, text;
         friend bool operator==(const Ruf&, const Ruf&) = default;
     };
-    struct Wartemeldung {
-        std::string titel, text;
-        int zeitMs = 0;
-        friend bool operator==(const Wartemeldung&, const Wartemeldung&) = default;
-    };
     using FakeBasis::FakeBasis;
-    bool erfolg = true;
     std::vector<Ruf> rufe;
-    std::optional<Wartemeldung> wartemeldung;
 
     [[nodiscard]] bool rufeDoThis(const std::string& klasse, const std::string& text) override;
     void setzeWartemeldung(const std::string& titel, const std::string& text, int zeitMs) override;
 };
 
-// Keeps the records as they came and reads them back: identifier at byte 8, tooltip (Windows-1252) from
-// byte 24.
+// Keeps the icons' last records and reads them back: identifier at byte 8, tooltip (Windows-1252) from byte
+// 24.
 class FakeSymbol : public FakeBasis, public TaskleistenSymbol {
   public:
     using Datensatz = std::array<std::uint8_t, 88>;
     using FakeBasis::FakeBasis;
 
     std::map<std::uint32_t, Datensatz> symbole;  // what the tray shows now
-    std::vector<Datensatz> datensaetze;          // all that were added or changed
-    // Tooltip of the last record, "" when there was none.
+    // Tooltip of the only icon, "" when there is none.
     std::string tooltip() const;
 
     void hinzufuegen(std::span<const std::uint8_t, 88> datensatz) override;
@@ -292,7 +283,7 @@ class FakeSymbol : public FakeBasis, public TaskleistenSymbol {
     void entfernen(std::uint32_t kennung) override;
 
   private:
-    std::uint32_t merke(std::span<const std::uint8_t, 88> datensatz);
+    void merke(std::span<const std::uint8_t, 88> datensatz, bool neu);
 };
 
 class FakeRechner : public FakeBasis, public Rechner {
@@ -300,11 +291,10 @@ class FakeRechner : public FakeBasis, public Rechner {
     using FakeBasis::FakeBasis;
     std::string name = "PC-BUERO";
     bool nameBekannt = true;
-    std::int32_t speicher = 123456789;
     std::deque<double> zufallszahlen;  // in their order, afterwards 0.5
 
     [[nodiscard]] bool rechnername(std::string& puffer) override;
-    std::int32_t freierSpeicher() override;
+    std::int32_t freierSpeicher() override { return aufrufe().zaehle(Portart::Rechner), 123456789; }
     double zufall() override;
 };
 
@@ -346,9 +336,8 @@ struct FakeDatenbankzustand {
 
     bool mitschreiben = true;
     std::vector<FakeVorgang> vorgaenge;
-    std::vector<std::map<std::string, Variant>> gespeichert;  // rows that update() saved, by column
-    int geoeffnet = 0, geschlossen = 0;                       // databases
-    int recordsets = 0;                                       // that are open
+    int geoeffnet = 0, geschlossen = 0;  // databases
+    int recordsets = 0;                  // that are open, of all databases
 
     int offen() const { return geoeffnet - geschlossen; }
     int recordsetsOffen() const { return recordsets; }

@@ -8,7 +8,6 @@ namespace {
 
 TEST(Argumente, AreSplitAtBlanksOutsideQuotes) {
     using Texte = std::vector<std::string>;
-    EXPECT_EQ(Texte{}, argumenteAus("  "));
     EXPECT_EQ((Texte{"/commandtext=Aktivieren und zeigen", "/m"}),
               argumenteAus(R"( /commandtext="Aktivieren und zeigen"  /m)"));
     EXPECT_EQ((Texte{R"(\tv daten\)", "x", ""}), argumenteAus(R"("\tv daten\" x "")"));
@@ -42,55 +41,42 @@ struct Starter : testing::Test {
 
 TEST_F(Starter, FailuresHaveTheirCodes) {
     temp.datei("tv/ohne.exe", "#!/bin/sh\n", 0644);
-    temp.datei("tv/kurz", "#!/bin/sh\n", 0644);
     temp.datei("tv/kaputt", "\x01\x02\x03\x04", 0755);
-    temp.datei("tv/kaputt.exe", "MZ\x90", 0755);
     temp.datei("tv/verwaist", "#!/gibt/es/nicht\n", 0755);
     temp.datei("tv/bild.xyz", "bild", 0644);
     temp.datei("tv/geheim.html", "", 0);
-    const std::pair<const char*, int> faelle[] = {
-        {"tv/fehlt.exe", 2}, {"fehlt/x.exe", 3}, {"tv/bild.xyz/x.exe", 3}, {"tv/ohne.exe", 5},
-        {"tv/kurz.exe", 5},  {"tv/kurz", 5},     {"tv/kaputt", 11},        {"tv/kaputt.exe", 11},
-        {"tv/verwaist", 2},  {"tv/bild.xyz", 31}};
+    const std::pair<const char*, int> faelle[] = {{"tv/fehlt.exe", 2}, {"fehlt/x.exe", 3},
+                                                  {"tv/ohne.exe", 5},  {"tv/kaputt", 11},
+                                                  {"tv/verwaist", 2},  {"tv/bild.xyz", 31}};
     for (const auto& [datei, code] : faelle)
         EXPECT_EQ(code, starte(datei)) << datei;
     programm("path/xdg-open");
     EXPECT_EQ(5, ohneRootrechte([&] { return starte("tv/geheim.html"); }));
-    EXPECT_EQ(3, starte("tv/kaputt", "", temp.logisch("fehlt")));
-    EXPECT_EQ(2, starte(std::string("a\0b", 3)));
 }
 
 TEST_F(Starter, ProgramsAreFoundUnderTheirUnixNames) {
-    for (const char* name : {"tv/voll.exe", "tv/kurz", "eigen/fennow", "eigen/anderes", "path/werkzeug"})
+    for (const char* name : {"tv/kurz", "eigen/fennow", "eigen/anderes", "path/werkzeug"})
         programm(name);
-    EXPECT_EQ(33, starte("tv/voll.exe", "", temp.logisch("tv")));
-    EXPECT_EQ("voll.exe\n" + (temp / "tv") + "\n", bericht());
     EXPECT_EQ(33, starte("tv/KURZ.EXE", R"(/commandtext="Zeige dich" ü)"));
     EXPECT_EQ("kurz /commandtext=Zeige dich ü" + hier, bericht());
-    // One of the suite also beside the running program, any other not.
+    // One of the suite also beside the running program, any other not; a bare name in PATH.
     EXPECT_EQ(33, starte("fort/Fennow.exe", "/m", temp.logisch("fort")));
     EXPECT_EQ("fennow /m\n" + (temp / "eigen") + "\n", bericht());
     EXPECT_EQ(2, starte("tv/anderes.exe"));
-    // A bare name in PATH.
     EXPECT_EQ(33, starte("werkzeug.exe"));
     EXPECT_EQ("werkzeug" + hier, bericht());
-    EXPECT_EQ(2, starte("gibt-es-nicht.exe"));
 }
 
 TEST_F(Starter, DocumentsGoToTheOpener) {
     const std::string dokument = temp.datei("Tv/Hilfe.html", "<html>");
-    temp.datei("Tv/nutzlos.html", "<html>", 0755);  // as on a file system without x bits
     programm("path/xdg-open");
-    const std::pair<const char*, std::string> faelle[] = {
-        {"Tv/hilfe.HTML", dokument},
-        {"Tv/nutzlos.html", temp / "Tv/nutzlos.html"},
-        {"https://example.org/a b", "https://example.org/a b"},
-        {"./Tv", temp / "./Tv"}};
-    for (const auto& [datei, geoeffnet] : faelle) {
+    const std::string adresse = "https://example.org/a b";
+    for (const auto& [datei, geoeffnet] :
+         {std::pair(std::string("Tv/hilfe.HTML"), dokument), {adresse, adresse}}) {
         EXPECT_EQ(33, starte(datei));
         EXPECT_EQ("xdg-open " + geoeffnet + hier, bericht());
     }
-    const std::pair<int, int> endstaende[] = {{0, 33}, {1, 0}, {2, 2}, {3, 31}, {4, 31}, {5, 5}};
+    const std::pair<int, int> endstaende[] = {{1, 0}, {2, 2}, {3, 31}, {5, 5}};
     for (const auto& [ende, code] : endstaende) {
         temp.skript("path/xdg-open", "exit " + std::to_string(ende) + "\n");
         EXPECT_EQ(code, starte("Tv/Hilfe.html")) << ende;

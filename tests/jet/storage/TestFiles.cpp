@@ -30,19 +30,16 @@ std::vector<std::string> expectations(const std::vector<std::string>& arguments)
 std::string hex(std::string_view bytes) {
     constexpr char kDigits[] = "0123456789abcdef";
     std::string text;
-    for (const char c : bytes) {
-        text += kDigits[static_cast<std::uint8_t>(c) >> 4];
-        text += kDigits[static_cast<std::uint8_t>(c) & 15];
-    }
+    for (const char c : bytes)
+        (text += kDigits[static_cast<std::uint8_t>(c) >> 4]) += kDigits[static_cast<std::uint8_t>(c) & 15];
     return text;
 }
 
-TemporaryCopy::TemporaryCopy(const std::string& source) {
+TemporaryCopy::TemporaryCopy() {
     std::string pattern = (std::filesystem::temp_directory_path() / "wendel-storage-XXXXXX").string();
     if (::mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("no temporary folder");
     folder_ = pattern;
     path_ = folder_ + "/probe.mdb";
-    if (!source.empty()) write(readFile(source));
 }
 
 TemporaryCopy::~TemporaryCopy() {
