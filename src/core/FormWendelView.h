@@ -21,7 +21,6 @@ class FormWendelView {
 
     virtual void zeigen() = 0;      // visible, not modal
     virtual void verstecken() = 0;  // gone from the screen, still loaded
-    virtual bool sichtbar() = 0;
     // Raises a visible window above the others and activates it: the user has asked for it.
     virtual void nachVorn() = 0;
 

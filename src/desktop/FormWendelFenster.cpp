@@ -237,8 +237,6 @@ void FormWendelFenster::geheZurueck() {
 
 void FormWendelFenster::verstecken() { hide(); }
 
-bool FormWendelFenster::sichtbar() { return isVisible(); }
-
 void FormWendelFenster::nachVorn() {
     if (isMinimized()) showNormal();
     raise();

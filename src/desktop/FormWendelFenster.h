@@ -29,7 +29,6 @@ class FormWendelFenster final : public QWidget, public FormWendelView {
     Fensterhandle hwnd() override;
     void zeigen() override;
     void verstecken() override;
-    bool sichtbar() override;
     void nachVorn() override;
     void setzeZeilen(const std::vector<Terminzeile>& zeilen, std::optional<std::size_t> auswahl) override;
     void setzeLiveUpdateEinstellungen(const std::string& text) override;

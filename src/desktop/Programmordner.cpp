@@ -20,7 +20,8 @@ std::string heimordner() {
     return eintrag && eintrag->pw_dir ? eintrag->pw_dir : "";
 }
 
-// Relative values of the XDG variables are invalid and to be ignored (XDG Base Directory Specification).
+// Relative values of the XDG variables are invalid and to be ignored (XDG Base Directory rules of
+// freedesktop.org).
 std::string xdgOrdner(const std::string& wert, const std::string& home, const char* vorgabe) {
     return wert.starts_with('/') ? wert : home + vorgabe;
 }

@@ -134,12 +134,4 @@ std::string mitNullen(std::int64_t wert, int stellen) {
     return ergebnis.append(ziffern, ende);
 }
 
-std::string Hex(std::int32_t wert) {
-    std::array<char, 8> puffer;
-    const auto ende =
-        std::to_chars(puffer.data(), puffer.data() + puffer.size(), static_cast<std::uint32_t>(wert), 16).ptr;
-    std::transform(puffer.data(), ende, puffer.data(), gross);
-    return std::string(puffer.data(), ende);
-}
-
 }  // namespace wendel

@@ -27,7 +27,4 @@ std::string einfachAlsText(float wert);
 // minus sign stands before them and is not counted.
 std::string mitNullen(std::int64_t wert, int stellen);
 
-// Upper case without leading zeros, negative numbers as 32 bits: Hex(-1) is "FFFFFFFF".
-std::string Hex(std::int32_t wert);
-
 }  // namespace wendel

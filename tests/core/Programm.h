@@ -37,7 +37,6 @@ class FakeWendelView : public FormWendelView {
     Fensterhandle hwnd() override { return kFenster; }
     void zeigen() override { gezeigt = true, aufrufe_.zeilen.push_back("FormWendel.zeigen"); }
     void verstecken() override { gezeigt = false; }
-    bool sichtbar() override { return gezeigt; }
     void nachVorn() override { ++nachVornGeholt; }
     void setzeZeilen(const std::vector<Terminzeile>& neu, std::optional<std::size_t>) override {
         zeilen = neu, ++zeilenGesetzt;
