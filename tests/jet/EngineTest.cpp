@@ -168,11 +168,12 @@ TEST_F(SharedFile, OpenRecordsetsSurviveWhateverIsWritten) {
     SCOPED_TRACE(kSeed);
     std::mt19937 random(kSeed);
     const std::string original = fileBytes("tvdaten-klein.mdb");
-    const char* statements[] = {
-        "Select * from Sendungen", "Select Pos,Titel,Beginn from Sendungen order by Beginn desc",
-        "Select * from SendungenDetails",
+    const std::string join =
         "Select a.Pos,b.Pos,c.Bezeichnung from (Sendungen a inner join SendungenDetails b on "
-        "a.Pos=b.Pos) inner join Sender c on a.SenderKennung=c.SenderKennung"};
+        "a.Pos=b.Pos) inner join Sender c on a.SenderKennung=c.SenderKennung";
+    const std::string statements[] = {"Select * from Sendungen",
+                                      "Select Pos,Titel,Beginn from Sendungen order by Beginn desc",
+                                      "Select * from SendungenDetails", join};
     int conflicts = 0;
     for (int round = 0; round < 120; ++round) {
         write(original);

@@ -131,7 +131,7 @@ TEST_F(DamageTest, EncodedFilesAreReadAsTheOthers) {
     // The header's mask is a XOR as well, so the key goes straight into it.
     for (unsigned i = 0; i < 4; ++i) {
         char& byte = encoded[kHeaderPageKey + i];
-        byte = static_cast<char>(byte ^ (kKey >> (8 * i) & 0xFF));
+        byte = static_cast<char>(byte ^ static_cast<char>(kKey >> (8 * i)));
     }
     for (std::uint32_t page = 1; page < encoded.size() / 4096; ++page) {
         std::string key(4, '\0');
