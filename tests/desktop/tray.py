@@ -66,7 +66,7 @@ def da(art):
 
 def spaet(art):
     p = Lomrick().starte('/m', uhr=BEWOHNT)
-    bleibt(lambda: not fenster(LISTE) and p.laeuft(), 'hidden, although no host has come: /m', 6.5)
+    bleibt(lambda: not fenster(LISTE) and p.laeuft(), 'hidden, although no host has come: /m', 30)
     w = wirt(art)
     warte_icon(art, 5)
     pruefe_klicks(art)
