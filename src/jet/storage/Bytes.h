@@ -23,6 +23,26 @@ inline std::uint64_t loadU64(const std::uint8_t* p) {
     return static_cast<std::uint64_t>(loadU32(p)) | static_cast<std::uint64_t>(loadU32(p + 4)) << 32;
 }
 
+inline void storeU16(std::uint8_t* p, std::uint16_t value) {
+    p[0] = static_cast<std::uint8_t>(value);
+    p[1] = static_cast<std::uint8_t>(value >> 8);
+}
+
+inline void storeU24(std::uint8_t* p, std::uint32_t value) {
+    storeU16(p, static_cast<std::uint16_t>(value));
+    p[2] = static_cast<std::uint8_t>(value >> 16);
+}
+
+inline void storeU32(std::uint8_t* p, std::uint32_t value) {
+    storeU24(p, value);
+    p[3] = static_cast<std::uint8_t>(value >> 24);
+}
+
+inline void storeU64(std::uint8_t* p, std::uint64_t value) {
+    storeU32(p, static_cast<std::uint32_t>(value));
+    storeU32(p + 4, static_cast<std::uint32_t>(value >> 32));
+}
+
 inline std::uint32_t loadU24Big(const std::uint8_t* p) {
     return static_cast<std::uint32_t>(p[0]) << 16 | static_cast<std::uint32_t>(p[1]) << 8 |
            static_cast<std::uint32_t>(p[2]);

@@ -1,6 +1,5 @@
 #include "jet/storage/File.h"
 
-#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -8,120 +7,111 @@
 #include <array>
 #include <cerrno>
 #include <ctime>
-#include <span>
+#include <stdexcept>
 #include <utility>
 
 #include "jet/storage/Bytes.h"
+#include "jet/storage/Journal.h"
 #include "jet/storage/Rc4.h"
 #include "platform/Fehler.h"
 
 namespace wendel::jet {
 namespace {
 
+using Result = FileLocks::Result;
+
 constexpr char kSource[] = "Datenbankdatei";
 constexpr std::string_view kSignature("Standard Jet DB\0", 16);
 constexpr std::array<std::uint8_t, 4> kHeaderKey = {0xC7, 0xDA, 0x39, 0x6B};
 // The clock that stamps files moves in steps of up to 10 ms; network file systems are coarser.
 constexpr std::int64_t kStampStepNs = 50'000'000;
+constexpr SortOrder kGeneral = {0x0409, 0};
+constexpr int kMostReplacements = 100;
 
-std::int64_t nanoseconds(const timespec& t) { return std::int64_t{t.tv_sec} * 1'000'000'000 + t.tv_nsec; }
-
-std::string quoted(const std::string& path) { return "'" + path + "'"; }
-
-bool isFolder(const std::string& path) {
-    struct stat info {};
-    return ::stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
+std::int64_t nowNs() {
+    timespec now{};
+    ::clock_gettime(CLOCK_REALTIME, &now);
+    return std::int64_t{now.tv_sec} * 1'000'000'000 + now.tv_nsec;
 }
 
-std::string folderOf(const std::string& path) {
-    const std::size_t slash = path.rfind('/');
-    if (slash == std::string::npos) return ".";
-    return slash == 0 ? "/" : path.substr(0, slash);
+bool sameFile(const struct stat& info, const FileStamp& stamp) {
+    return info.st_dev == stamp.device && info.st_ino == stamp.inode;
 }
 
-[[noreturn]] void throwOpenError(const std::string& path, int error) {
-    if (error == ENOENT && isFolder(folderOf(path))) {
-        throw Fehler(jetfehler::kFileNotFound, kSource,
-                     "Die Datei " + quoted(path) + " wurde nicht gefunden.");
-    }
-    if (error == ENOENT || error == ENOTDIR || error == ENAMETOOLONG || error == ELOOP) {
-        throw Fehler(
-            jetfehler::kInvalidPath, kSource,
-            quoted(path) + " ist kein zulässiger Pfad. Prüfen Sie, ob der Pfad richtig geschrieben ist.");
-    }
-    throw Fehler(
-        jetfehler::kNoAccess, kSource,
-        "Die Datei " + quoted(path) +
-            " kann nicht geöffnet werden. Sie ist von einem anderen Benutzer exklusiv geöffnet, oder Sie "
-            "haben keine Berechtigung, sie zu lesen.");
-}
-
-[[noreturn]] void throwUnknownFormat(const std::string& path) {
-    throw Fehler(jetfehler::kUnknownFormat, kSource, "Nicht erkanntes Datenbankformat " + quoted(path) + ".");
-}
-
-// Fills the buffer; false when the file ends before or cannot be read.
-bool readFully(int fd, std::span<std::uint8_t> buffer, std::uint64_t offset) {
-    std::size_t done = 0;
-    while (done < buffer.size()) {
-        const ssize_t n =
-            ::pread(fd, buffer.data() + done, buffer.size() - done, static_cast<off_t>(offset + done));
-        if (n < 0 && errno == EINTR) continue;
-        if (n <= 0) return false;
-        done += static_cast<std::size_t>(n);
-    }
-    return true;
-}
+bool statPath(const std::string& path, struct stat& info) { return ::stat(path.c_str(), &info) == 0; }
 
 }  // namespace
+
+// --- Opening and closing -----------------------------------------------------------------------------------
 
 File::File(const std::string& path, Access access, std::size_t cacheBytes)
     : path_(path), cacheBytes_(cacheBytes) {
     try {
         openAndCheck(access);
     } catch (...) {
-        closeDescriptor();
+        if (fd_ >= 0) ::close(fd_);
         throw;
     }
 }
 
-File::~File() { closeDescriptor(); }
-
-void File::closeDescriptor() {
-    if (fd_ >= 0) ::close(fd_);
-    fd_ = -1;
+File::~File() {
+    leave();
+    ::close(fd_);
 }
 
 void File::openAndCheck(Access access) {
-    // A pipe or a device in place of the file must neither block the open nor be read.
-    constexpr int kFlags = O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
-    writable_ = access == Access::kReadWrite;
-    if (writable_) fd_ = ::open(path_.c_str(), O_RDWR | kFlags);
-    if (fd_ < 0) {
-        writable_ = false;
-        fd_ = ::open(path_.c_str(), O_RDONLY | kFlags);
-    }
-    if (fd_ < 0) throwOpenError(path_, errno);
-
-    struct stat info {};
-    if (::fstat(fd_, &info) != 0) throwOpenError(path_, errno);
-    if (S_ISDIR(info.st_mode)) throwOpenError(path_, EISDIR);
-    if (!S_ISREG(info.st_mode)) throwUnknownFormat(path_);
-    rememberState(stateOf(info));
+    openDescriptor(access);
+    const Reading reading(*this);
+    adoptJournal();
     readHeader();
+    writable_ = descriptorWritable_ && !encoded() && sortOrder_ == kGeneral;
+    if (writable_) lockFile_.enter(resolvedPath(path_), mode_);
 }
 
-File::State File::stateOf(const struct stat& info) {
-    return {info.st_dev, info.st_ino, static_cast<std::uint64_t>(info.st_size), nanoseconds(info.st_mtim),
-            nanoseconds(info.st_ctim)};
+// Another file may take the name between opening and locking; then the lock would guard nothing.
+void File::openDescriptor(Access access) {
+    for (int replacements = 0;; ++replacements) {
+        const OpenedFile opened = openFile(path_, access == Access::kReadWrite);
+        fd_ = opened.fd;
+        descriptorWritable_ = opened.writable;
+        locks_ = FileLocks(fd_);
+        if (locks_.waitShared(LockPlace::kUsers) == Result::kBusy) throwCannotLock(path_);
+        rememberStamp();
+        struct stat info {};
+        if (!statPath(path_, info) || sameFile(info, stamp_)) return;
+        if (replacements == kMostReplacements) throwCannotLock(path_);
+        ::close(std::exchange(fd_, -1));
+    }
 }
 
-void File::rememberState(const State& state) {
-    state_ = state;
-    timespec now{};
-    ::clock_gettime(CLOCK_REALTIME, &now);
-    const std::int64_t age = nanoseconds(now) - std::max(state.modifiedNs, state.changedNs);
-    stateUncertain_ = age < kStampStepNs;
+void File::rememberStamp() {
+    struct stat info {};
+    if (::fstat(fd_, &info) != 0) throwDamaged("Die Datei ist nicht lesbar");
+    stamp_ = stampOf(info);
+    mode_ = info.st_mode & 0666;
+    const std::int64_t age = nowNs() - std::max(stamp_.modifiedNs, stamp_.changedNs);
+    stampUncertain_ = age < kStampStepNs && !(journal_ && journal_->knows(stamp_));
+}
+
+void File::adoptJournal() {
+    journal_ = std::make_unique<Journal>(resolvedPath(path_));
+    journal_->open();
+    rememberStamp();
+    if (!journal_->fits(fd_, stamp_)) {
+        journal_->disregard();
+        if (!descriptorWritable_ || locks_.tryExclusive(LockPlace::kWriter) != Result::kGot) return;
+        journal_->setAside();
+        locks_.release(LockPlace::kWriter);
+    } else if (!journal_->empty() && alone()) {
+        checkpoint();
+    }
+}
+
+// For the moment: nobody else has the file open.
+bool File::alone() {
+    if (!descriptorWritable_ || locks_.tryExclusive(LockPlace::kUsers) != Result::kGot) return false;
+    locks_.tryShared(LockPlace::kUsers);
+    return true;
 }
 
 void File::readHeader() {
@@ -136,6 +126,9 @@ void File::readHeader() {
         case static_cast<std::uint8_t>(Version::kJet4): layout_ = &kJet4Layout; break;
         default: throwUnknownFormat(path_);  // versions from 2 on are those of .accdb files
     }
+    cache_.setSlots(cachePages());
+    if (journal_->pageSize() != layout_->pageSize && !journal_->empty()) journal_->disregard();
+    overlayHeader(header);
     rc4(kHeaderKey, std::span(header).subspan(kHeaderMasked, layout_->maskedLength));
     codePage_ = loadU16(&header[kHeaderCodePage]);
     pageKey_ = loadU32(&header[kHeaderPageKey]);
@@ -143,64 +136,287 @@ void File::readHeader() {
     sortOrder_.lcid = loadU16(&header[order]);
     sortOrder_.version = version() == Version::kJet4 ? header[order + 3] : std::uint8_t{0};
 
-    const std::uint64_t pages = state_.size / layout_->pageSize;
-    if (state_.size % layout_->pageSize != 0) throwDamaged("Die Datei ist abgeschnitten");
+    const bool cut = journal_->empty() && stamp_.size % layout_->pageSize != 0;
+    if (cut) throwDamaged("Die Datei ist abgeschnitten");
+    const std::uint64_t pages = journal_->empty() ? stamp_.size / layout_->pageSize : journal_->pageCount();
     if (pages <= kCatalogPage || pages > kMaxPages) throwUnknownFormat(path_);
     pageCount_ = static_cast<std::uint32_t>(pages);
-    cacheSlots_ = std::max<std::size_t>(cacheBytes_ / layout_->pageSize, 4);
+}
+
+std::size_t File::cachePages() const { return std::max<std::size_t>(cacheBytes_ / layout_->pageSize, 4); }
+
+// What a statement changed in page 0 and nobody wrote into the file yet.
+void File::overlayHeader(std::span<std::uint8_t> header) const {
+    Page page(layout_->pageSize);
+    std::copy(header.begin(), header.end(), page.begin());
+    if (!journal_->apply(0, page)) throwDamaged("Das Journal ist nicht lesbar");
+    std::copy_n(page.begin(), header.size(), header.begin());
+}
+
+// The last user brings in what is left and takes away what was made beside the file.
+void File::leave() {
+    if (!inPlace() || !alone()) return;
+    checkpoint();
+    if (locks_.tryExclusive(LockPlace::kUsers) != Result::kGot) return;
+    Journal last(resolvedPath(path_));
+    try {
+        last.open();
+    } catch (const Fehler&) {
+        return;  // not ours to remove
+    }
+    last.remove();
+    lockFile_.remove();
+}
+
+bool File::inPlace() const {
+    struct stat info {};
+    return statPath(path_, info) && sameFile(info, stamp_);
+}
+
+// --- Locks and change --------------------------------------------------------------------------------------
+
+File::Reading::Reading(File& file) : file_(file) {
+    if (file_.readings_ == 0 && file_.locks_.waitShared(LockPlace::kReaders) == Result::kBusy)
+        throwCannotLock(file_.path_);
+    ++file_.readings_;
+}
+
+File::Reading::~Reading() {
+    if (--file_.readings_ == 0) file_.locks_.release(LockPlace::kReaders);
 }
 
 bool File::changed() const {
+    if (statement_) return stampUncertain_ || statement_->overtaken;
     struct stat info {};
-    if (::stat(path_.c_str(), &info) != 0) return false;
-    return stateUncertain_ || stateOf(info) != state_;
+    return statPath(path_, info) && (stampUncertain_ || overtaken());
 }
+
+bool File::overtaken() const {
+    struct stat info {};
+    return !statPath(path_, info) || stampOf(info) != stamp_ || journal_->movedOn();
+}
+
+bool File::journalEmpty() const { return journal_->empty(); }
+
+bool File::checkpoint() {
+    if (!descriptorWritable_) return journal_->empty();
+    const bool holdsWriter = statement_ != nullptr;
+    if (holdsWriter && !statement_->committed) return false;
+    if (journal_->empty() && !journal_->movedOn()) return true;
+    if (!holdsWriter && locks_.tryExclusive(LockPlace::kWriter, lockFile_.slot()) != Result::kGot)
+        return false;
+    bool done = false;
+    if (locks_.tryExclusive(LockPlace::kReaders) == Result::kGot) {
+        done = bringJournalIn();
+        if (readings_ > 0)
+            locks_.tryShared(LockPlace::kReaders);
+        else
+            locks_.release(LockPlace::kReaders);
+    }
+    if (!holdsWriter) locks_.release(LockPlace::kWriter);
+    return done;
+}
+
+bool File::bringJournalIn() {
+    if (!overtaken()) {
+        const bool done = journal_->bringInto(fd_);
+        rememberStamp();
+        stampUncertain_ = false;
+        return done;
+    }
+    // Others have gone on since: their journal comes in, and this object stays with the old state.
+    if (readings_ > 0 || !inPlace()) return false;
+    Journal newest(resolvedPath(path_));
+    try {
+        newest.open();
+    } catch (const Fehler&) {
+        return false;
+    }
+    struct stat info {};
+    return ::fstat(fd_, &info) == 0 && newest.fits(fd_, stampOf(info)) && newest.bringInto(fd_);
+}
+
+void File::throwLocked() const {
+    const LockFile::User user = lockFile_.user(locks_.holderOfWriter());
+    const std::string by =
+        user.computer.empty()
+            ? "die Datenbank ist momentan durch einen anderen Benutzer gesperrt."
+            : "momentane Sperrung durch Benutzer '" + user.name + "' auf Computer '" + user.computer + "'.";
+    throw Fehler(jetfehler::kLockedByUser, kSource, "Aktualisieren nicht möglich; " + by);
+}
+
+// --- Statements
+// ----------------------------------------------------------------------------------------------
+
+File::Writing::Writing(File& file) : file_(file) {
+    if (!file_.writable_) {
+        throw Fehler(jetfehler::kReadOnly, kSource,
+                     "Aktualisieren nicht möglich. Datenbank oder Objekt ist schreibgeschützt.");
+    }
+    if (file_.statement_) throw std::logic_error("two statements at once");
+    switch (file_.locks_.waitExclusive(LockPlace::kWriter, file_.lockFile_.slot())) {
+        case Result::kBusy: file_.throwLocked();
+        case Result::kImpossible: throwCannotLock(file_.path_);
+        case Result::kGot: break;
+    }
+    auto statement = std::make_unique<Statement>();
+    statement->pageCountBefore = file_.pageCount_;
+    statement->overtaken = file_.overtaken();
+    file_.statement_ = std::move(statement);
+}
+
+File::Writing::~Writing() {
+    if (!file_.statement_->committed) file_.rollBack();
+    file_.statement_.reset();
+    file_.locks_.release(LockPlace::kWriter);
+}
+
+void File::Writing::commit(Durability durability) {
+    file_.journalChanges();
+    Statement& statement = *file_.statement_;
+    if (statement.begun) file_.journal_->commit(file_.pageCount_, durability);
+    statement.committed = true;
+    for (auto& [number, changed] : statement.pages) {
+        file_.cache_.erase(number);
+        // Somebody who still holds the page might go on changing it.
+        if (changed.page.use_count() == 1) file_.cache_.put(number, std::move(changed.page));
+    }
+    statement.pages.clear();
+    if (file_.journal_->size() > kCheckpointBytes) file_.checkpoint();
+}
+
+File::Statement& File::changingStatement() {
+    if (!statement_ || statement_->committed) throw std::logic_error("no statement");
+    if (statement_->overtaken) throwLocked();
+    return *statement_;
+}
+
+std::shared_ptr<Page> File::edit(std::uint32_t number) {
+    Statement& statement = changingStatement();
+    if (const auto found = statement.pages.find(number); found != statement.pages.end()) {
+        found->second.lastUse = ++statement.uses;
+        return found->second.page;
+    }
+    PagePtr before = page(number);
+    auto copy = std::make_shared<Page>(*before);
+    return changedPage(number, std::move(copy), std::move(before)).page;
+}
+
+std::shared_ptr<Page> File::replace(std::uint32_t number) {
+    Statement& statement = changingStatement();
+    if (number >= pageCount_) throwDamaged("Seite " + std::to_string(number) + " fehlt");
+    if (const auto found = statement.pages.find(number); found != statement.pages.end()) {
+        std::fill(found->second.page->begin(), found->second.page->end(), std::uint8_t{0});
+        return found->second.page;
+    }
+    return changedPage(number, std::make_shared<Page>(layout_->pageSize), nullptr).page;
+}
+
+std::uint32_t File::appendPage() {
+    changingStatement();
+    if (pageCount_ >= kMaxPages) {
+        throw Fehler(jetfehler::kDiskFull, kSource,
+                     "Die Datenbank '" + path_ + "' hat ihre größte Länge erreicht.");
+    }
+    changedPage(pageCount_, std::make_shared<Page>(layout_->pageSize), nullptr);
+    return pageCount_++;
+}
+
+File::Changed& File::changedPage(std::uint32_t number, std::shared_ptr<Page> page, PagePtr before) {
+    makeRoom();
+    Changed& changed = statement_->pages[number];
+    changed = {std::move(page), std::move(before), ++statement_->uses};
+    return changed;
+}
+
+// Those that were not used for longest leave memory, unless somebody holds them.
+void File::makeRoom() {
+    const std::size_t most = cachePages();
+    if (statement_->pages.size() < most) return;
+    std::vector<std::pair<std::uint64_t, std::uint32_t>> candidates;
+    for (const auto& [number, changed] : statement_->pages)
+        if (changed.page.use_count() == 1) candidates.push_back({changed.lastUse, number});
+    std::sort(candidates.begin(), candidates.end());
+    candidates.resize(std::min(candidates.size(), most / 2));
+    beginRun();
+    for (const auto& [lastUse, number] : candidates) {
+        const Changed& changed = statement_->pages[number];
+        const std::span<const std::uint8_t> before =
+            changed.before ? std::span<const std::uint8_t>(*changed.before) : std::span<const std::uint8_t>();
+        if (!changed.before || *changed.before != *changed.page)
+            journal_->spill(number, *changed.page, before);
+    }
+    journal_->flush();
+    for (const auto& [lastUse, number] : candidates) {
+        statement_->pages.erase(number);
+        cache_.erase(number);
+    }
+}
+
+void File::beginRun() {
+    if (statement_->begun) return;
+    statement_->begun = true;
+    journal_->begin({stamp_, !stampUncertain_, layout_->pageSize, mode_});
+}
+
+void File::journalChanges() {
+    if (!statement_ || statement_->committed) throw std::logic_error("no statement");
+    for (const auto& [number, changed] : statement_->pages) {
+        if (changed.before && *changed.before == *changed.page) continue;
+        beginRun();
+        if (changed.before)
+            journal_->add(number, *changed.page, *changed.before);
+        else
+            journal_->add(number, *changed.page, {});
+    }
+}
+
+void File::rollBack() {
+    if (statement_->begun) {
+        if (journal_->anythingSpilled()) cache_.clear();
+        journal_->abandon();
+    }
+    pageCount_ = statement_->pageCountBefore;
+}
+
+// --- Reading
+// -------------------------------------------------------------------------------------------------
 
 PagePtr File::page(std::uint32_t number) {
     ++pagesRequested_;
-    const auto found = cached_.find(number);
-    if (found != cached_.end()) {
-        cache_.splice(cache_.begin(), cache_, found->second);
-        return found->second->page;
+    if (statement_) {
+        if (const auto found = statement_->pages.find(number); found != statement_->pages.end()) {
+            found->second.lastUse = ++statement_->uses;
+            return found->second.page;
+        }
     }
+    if (PagePtr cached = cache_.find(number)) return cached;
     PagePtr fresh = readPage(number);
-    cache_.push_front({number, fresh});
-    cached_[number] = cache_.begin();
+    cache_.put(number, fresh);
     return fresh;
-}
-
-// The buffer of the page that was not used for longest, unless somebody still holds it.
-std::shared_ptr<Page> File::freeBuffer() {
-    if (cache_.size() >= cacheSlots_) {
-        PagePtr old = std::move(cache_.back().page);
-        cached_.erase(cache_.back().number);
-        cache_.pop_back();
-        if (old.use_count() == 1 && old->size() == layout_->pageSize)
-            return std::const_pointer_cast<Page>(old);
-    }
-    return std::make_shared<Page>(layout_->pageSize);
 }
 
 PagePtr File::readPage(std::uint32_t number) {
     if (number >= pageCount_) throwDamaged("Seite " + std::to_string(number) + " fehlt");
-    std::shared_ptr<Page> buffer = freeBuffer();
+    std::shared_ptr<Page> buffer = cache_.buffer(layout_->pageSize);
     ++pagesRead_;
-    if (!readFully(fd_, *buffer, std::uint64_t{number} * layout_->pageSize)) {
-        throwDamaged("Seite " + std::to_string(number) + " ist nicht lesbar");
-    }
+    const bool read = journal_->spilled(number)
+                          ? journal_->readSpilled(number, *buffer)
+                          : (journal_->startsWhole(number) ||
+                             readFully(fd_, *buffer, std::uint64_t{number} * layout_->pageSize)) &&
+                                journal_->apply(number, *buffer);
+    if (!read) throwDamaged("Seite " + std::to_string(number) + " ist nicht lesbar");
     if (pageKey_ != 0 && number != 0) {
-        const std::uint32_t key = pageKey_ ^ number;
-        const std::array<std::uint8_t, 4> bytes = {
-            static_cast<std::uint8_t>(key), static_cast<std::uint8_t>(key >> 8),
-            static_cast<std::uint8_t>(key >> 16), static_cast<std::uint8_t>(key >> 24)};
-        rc4(bytes, *buffer);
+        std::array<std::uint8_t, 4> key{};
+        storeU32(key.data(), pageKey_ ^ number);
+        rc4(key, *buffer);
     }
     return buffer;
 }
 
 void File::throwDamaged(std::string_view what) const {
     throw Fehler(jetfehler::kDamaged, kSource,
-                 "Die Datenbank " + quoted(path_) + " kann nicht gelesen werden. Sie ist beschädigt (" +
+                 "Die Datenbank '" + path_ + "' kann nicht gelesen werden. Sie ist beschädigt (" +
                      std::string(what) + ").");
 }
 
