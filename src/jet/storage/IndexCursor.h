@@ -6,8 +6,8 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include <vector>
 
+#include "jet/storage/IndexPage.h"
 #include "jet/storage/KeyEncoder.h"
 #include "jet/storage/TableDef.h"
 #include "jet/storage/Values.h"
@@ -33,32 +33,18 @@ class IndexCursor {
     std::string_view key() const { return key_; }
 
   private:
-    // One page taken apart: where each entry ends, counted from the start of the entry area.
-    struct EntryPage {
-        PagePtr page;
-        bool leaf = false;
-        std::size_t prefix = 0;
-        std::vector<std::uint16_t> ends;
-    };
-
-    void load(std::uint32_t number, EntryPage& out);
-    std::string_view entryRest(const EntryPage& page, std::size_t entry) const;
-    std::string_view prefixOf(const EntryPage& page, std::size_t entry) const;
-    int compareEntry(const EntryPage& page, std::size_t entry, std::string_view bound) const;
-    std::size_t firstBeyond(const EntryPage& page, std::string_view bound, bool strictly) const;
-    std::uint32_t childPage(const EntryPage& page, std::size_t entry) const;
     void descend(std::string_view bound, bool strictly, bool toLast);
-    bool step(std::size_t linkOffset);
-    bool isInside(std::size_t entry) const;
-    void takeEntry(std::size_t entry);
+    bool step(std::uint32_t neighbour);
+    bool isInside(std::size_t start) const;
+    void takeEntry(std::size_t start);
 
     File* file_;
     const TableDef* table_;
     const Index* index_;
     KeyRange range_;
     Direction direction_ = Direction::kForward;
-    EntryPage leaf_;
-    std::size_t position_ = 0;  // forward: the next entry; backward: one behind the next entry
+    IndexPage leaf_;
+    std::size_t position_ = 0;  // forward: start of the next entry; backward: its end
     std::uint32_t leavesVisited_ = 0;
     bool done_ = true;
     std::string key_;

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "jet/storage/Bytes.h"
+#include "platform/Fehler.h"
 
 namespace wendel::jet {
 namespace {
@@ -128,6 +129,12 @@ std::optional<Decimal> decimalValue(const KeyValue& value, std::uint8_t scale) {
     return std::nullopt;
 }
 
+bool isNull(const KeyValue& value) { return std::holds_alternative<std::monostate>(value); }
+
+bool isStoredAsNull(const Column& column, const KeyValue& value) {
+    return isNull(value) && column.type != ColumnType::kBoolean;
+}
+
 std::optional<double> numberValue(const KeyValue& value) {
     if (const auto* whole = std::get_if<std::int64_t>(&value)) return static_cast<double>(*whole);
     if (const auto* number = std::get_if<double>(&value)) return *number;
@@ -164,13 +171,16 @@ std::string_view bytesOf(const Guid& guid) {
     return {reinterpret_cast<const char*>(guid.data()), guid.size()};
 }
 
+void complementFrom(std::size_t start, std::string& out) {
+    for (std::size_t i = start; i < out.size(); ++i)
+        out[i] = static_cast<char>(~out[i]);
+}
+
 void appendText(const Column& column, bool descending, std::string_view text, std::string& out) {
     const std::size_t start = out.size();
     appendTextKey(column.textOrder, text, out);
     if (!descending) return;
-    std::transform(out.begin() + static_cast<std::ptrdiff_t>(start), out.end(),
-                   out.begin() + static_cast<std::ptrdiff_t>(start),
-                   [](char c) { return static_cast<char>(~c); });
+    complementFrom(start, out);
     if (column.textOrder != TextOrder::kGeneralJet3) out += '\0';
 }
 
@@ -190,10 +200,7 @@ bool appendNumber(const Column& column, bool descending, const KeyValue& value, 
         }
         appendFloating(column.type, *number, out);
     }
-    if (descending) {
-        for (std::size_t i = start; i < out.size(); ++i)
-            out[i] = static_cast<char>(~out[i]);
-    }
+    if (descending) complementFrom(start, out);
     return true;
 }
 
@@ -278,7 +285,7 @@ ColumnLimit floatingLimit(const Column& column, const KeyLimit& limit, Side side
 }
 
 ColumnLimit columnLimit(const Column& column, bool descending, const KeyLimit& limit, Side side) {
-    if (std::holds_alternative<std::monostate>(limit.value)) return ColumnLimit::impossible();
+    if (isNull(limit.value)) return ColumnLimit::impossible();
     if (const std::optional<IntegerRange> range = integerRange(column.type)) {
         return integerLimit(column, *range, limit, side);
     }
@@ -324,7 +331,7 @@ KeyRange rangeBehind(const std::string& prefix, const Column& column, bool desce
 
 // Whether equality with this value can be told by one key.
 bool hasOneKey(const Column& column, const KeyValue& value) {
-    if (std::holds_alternative<std::monostate>(value)) return true;
+    if (isNull(value)) return true;
     if (column.type == ColumnType::kDate) return false;
     const std::optional<double> number = numberValue(value);
     return !isFloating(column.type) || !number || *number != 0;
@@ -336,15 +343,121 @@ bool isNumber(const KeyValue& value) {
 
 // Why a value has no key: because the column cannot hold this number, or because it is of another kind.
 bool cannotBeIn(const Column& column, const KeyValue& value) {
-    if (std::holds_alternative<std::monostate>(value)) return true;  // no Nulls in Yes/No columns
+    if (isNull(value)) return true;  // no Nulls in Yes/No columns
     return isNumber(value) && !std::holds_alternative<Decimal>(value) &&
            integerRange(column.type).has_value() && column.type != ColumnType::kCurrency;
 }
 
+// Numbers in columns of whole numbers: halves go to the even neighbour, as in every conversion here.
+bool appendRounded(const Column& column, bool descending, double number, std::string& out) {
+    if (!integerRange(column.type)) return false;
+    const double unit = column.type == ColumnType::kCurrency ? kTenThousand : 1;
+    const double units = std::nearbyint(number * unit);
+    if (!fitsInt64(units)) return false;
+    const auto whole = static_cast<std::int64_t>(units);
+    return column.type == ColumnType::kCurrency ? appendKey(column, descending, KeyCurrency{whole}, out)
+                                                : appendKey(column, descending, whole, out);
+}
+
+// The key bytes of a value as a row stores it, which may be less exact than the value.
+void appendStoredValue(const Column& column, bool descending, const Cell& value, std::string& out) {
+    if (appendKey(column, descending, value, out)) return;
+    const std::optional<double> number = numberValue(value);
+    const auto* text = std::get_if<std::string_view>(&value);
+    if (column.type == ColumnType::kBoolean && (number || isNull(value))) {
+        appendKey(column, descending, std::int64_t{number.value_or(0) != 0 ? -1 : 0}, out);  // Null is No
+    } else if (isFloating(column.type) && number) {
+        out += valueFlag(descending);
+        const std::size_t start = out.size();
+        appendFloating(column.type, *number, out);
+        if (descending) complementFrom(start, out);
+    } else if (column.isText() && text != nullptr) {
+        out += valueFlag(descending);
+        appendText(column, descending, *text, out);
+    } else if (!number || !appendRounded(column, descending, *number, out)) {
+        throw Fehler(jetfehler::kWrongValue, "Index",
+                     "Der Wert passt nicht zum Datentyp des Feldes '" + column.name + "'.");
+    }
+}
+
 }  // namespace
 
+void RowValues::take(const RowView& row, std::size_t column) {
+    if (row.isNull(column)) return;
+    Cell& cell = cells_[column];
+    std::string& text = texts_[column];
+    text.clear();  // a column may be asked for once for each of its indexes
+    switch (row.table().columns[column].type) {
+        case ColumnType::kBoolean: cell = std::int64_t{row.asBool(column) ? -1 : 0}; break;
+        case ColumnType::kByte:
+        case ColumnType::kInteger:
+        case ColumnType::kLong: cell = std::int64_t{row.asInteger(column)}; break;
+        case ColumnType::kCurrency: cell = KeyCurrency{row.asCurrency(column)}; break;
+        case ColumnType::kSingle:
+        case ColumnType::kDouble:
+        case ColumnType::kDate: cell = row.asDouble(column); break;
+        case ColumnType::kDecimal: cell = row.asDecimal(column); break;
+        case ColumnType::kGuid: cell = row.asGuid(column); break;
+        case ColumnType::kText:
+        case ColumnType::kMemo:
+            row.appendText(column, text);
+            cell = std::string_view(text);
+            break;
+        case ColumnType::kBinary:
+        case ColumnType::kOle:
+            row.appendBytes(column, text);
+            cell = KeyBytes{text};
+            break;
+        case ColumnType::kUnknown: break;
+    }
+}
+
+void RowValues::assign(const RowView& row) {
+    assign(row, {});
+    for (std::size_t column = 0; column < cells_.size(); ++column)
+        take(row, column);
+}
+
+void RowValues::assign(const RowView& row, std::span<const std::size_t> columns) {
+    const std::size_t count = row.table().columns.size();
+    cells_.assign(count, std::monostate());
+    texts_.resize(count);
+    for (std::string& text : texts_)
+        text.clear();
+    for (const std::size_t column : columns)
+        take(row, column);
+}
+
+bool isAllNull(const TableDef& table, const Index& index, std::span<const Cell> valuesOfAllColumns) {
+    return std::all_of(index.columns.begin(), index.columns.end(), [&](const IndexColumn& c) {
+        return isStoredAsNull(table.columns[c.column], valuesOfAllColumns[c.column]);
+    });
+}
+
+bool hasNull(const TableDef& table, const Index& index, std::span<const Cell> valuesOfAllColumns) {
+    return std::any_of(index.columns.begin(), index.columns.end(), [&](const IndexColumn& c) {
+        return isStoredAsNull(table.columns[c.column], valuesOfAllColumns[c.column]);
+    });
+}
+
+std::optional<std::string> rowKey(const TableDef& table, const Index& index,
+                                  std::span<const Cell> valuesOfAllColumns) {
+    if (index.ignoreNulls && isAllNull(table, index, valuesOfAllColumns)) return std::nullopt;
+    std::string key;
+    for (const IndexColumn& c : index.columns)
+        appendStoredValue(table.columns[c.column], c.descending, valuesOfAllColumns[c.column], key);
+    return key;
+}
+
+bool rowKeyIsKnown(const TableDef& table, const Index& index, std::span<const Cell> valuesOfAllColumns) {
+    return std::all_of(index.columns.begin(), index.columns.end(), [&](const IndexColumn& c) {
+        const auto* text = std::get_if<std::string_view>(&valuesOfAllColumns[c.column]);
+        return text == nullptr || textKeyIsKnown(table.columns[c.column].textOrder, *text);
+    });
+}
+
 bool appendKey(const Column& column, bool descending, const KeyValue& value, std::string& out) {
-    if (std::holds_alternative<std::monostate>(value)) {
+    if (isNull(value)) {
         if (column.type == ColumnType::kBoolean) return false;
         out += nullFlag(descending);
         return true;

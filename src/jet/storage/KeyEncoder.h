@@ -2,13 +2,16 @@
 // Values to index keys: the bytes by which an index finds and orders them. Leaves the walk through the index
 // to IndexCursor.
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <span>
 #include <string>
 #include <string_view>
 #include <variant>
+#include <vector>
 
+#include "jet/storage/Row.h"
 #include "jet/storage/TableDef.h"
 #include "jet/storage/Values.h"
 
@@ -24,6 +27,47 @@ struct KeyBytes {
 };
 using KeyValue = std::variant<std::monostate, std::int64_t, double, std::string_view, KeyBytes, KeyCurrency,
                               Decimal, Guid>;
+
+// The same as a value to write.
+using Cell = KeyValue;
+
+// The values of one row as cells, with the texts they refer to: what rowKey wants to see of rows in the file.
+// Stays usable when the row's page is changed or given up. Not copied or moved: the cells point into it.
+class RowValues {
+  public:
+    RowValues() = default;
+    explicit RowValues(const RowView& row) { assign(row); }
+    RowValues(const RowValues&) = delete;
+    RowValues& operator=(const RowValues&) = delete;
+
+    // Takes over all values; the cells of the row before are gone. Throws Fehler 3049 for a damaged row.
+    void assign(const RowView& row);
+    // Only these columns; the others read as Null.
+    void assign(const RowView& row, std::span<const std::size_t> columns);
+    // One per column in TableDef::columns order.
+    std::span<const Cell> cells() const { return cells_; }
+
+  private:
+    void take(const RowView& row, std::size_t column);
+
+    std::vector<Cell> cells_;
+    std::vector<std::string> texts_;
+};
+
+// The key of a row's values for an index; nothing when the index has no entry for it (ignoreNulls and all of
+// its columns Null). The values must be of kinds that the columns hold (as RowValues gives them); a number is
+// rounded as the row stores it. Never fails on unknown characters, they leave no trace. Throws Fehler 3421
+// for a value that the column cannot hold.
+std::optional<std::string> rowKey(const TableDef& table, const Index& index,
+                                  std::span<const Cell> valuesOfAllColumns);
+
+// False when a text in the key has characters whose codes are not known: another writer's key differs then.
+bool rowKeyIsKnown(const TableDef& table, const Index& index, std::span<const Cell> valuesOfAllColumns);
+
+// Whether all indexed columns are Null: such rows are never duplicates of each other. Yes/No is never Null.
+bool isAllNull(const TableDef& table, const Index& index, std::span<const Cell> valuesOfAllColumns);
+// Whether any is: not allowed in a required index or a primary key.
+bool hasNull(const TableDef& table, const Index& index, std::span<const Cell> valuesOfAllColumns);
 
 // Appends the key of the value in a column of this type and direction. False (and nothing appended) when the
 // column cannot hold exactly this value (a text for a number, 1.5 for a Long, 70000 for an Integer), or when
