@@ -8,14 +8,10 @@
 #include "jet/storage/TextCoding.h"
 
 namespace wendel::jet {
-namespace {
 
-constexpr std::size_t kDecimalSize = 17;
-constexpr std::uint8_t kDecimalNegative = 0x80;
-
-// Bytes of a value in the fixed part.
-std::size_t fixedSize(const Column& column) {
+std::size_t fixedValueSize(const Column& column) {
     switch (column.type) {
+        case ColumnType::kBoolean: return 0;
         case ColumnType::kByte: return 1;
         case ColumnType::kInteger: return 2;
         case ColumnType::kLong:
@@ -30,8 +26,6 @@ std::size_t fixedSize(const Column& column) {
         default: return column.length;
     }
 }
-
-}  // namespace
 
 void RowView::assign(File& file, const TableDef& table, PagePtr page, std::size_t start, std::size_t length,
                      RowId id) {
@@ -98,17 +92,33 @@ bool RowView::present(const Column& column) const {
 }
 
 std::span<const std::uint8_t> RowView::value(const Column& column) const {
-    std::size_t from, to;
-    if (column.fixed) {
-        from = file_->layout().rowCountSize + column.fixedOffset;
-        to = from + fixedSize(column);
-    } else {
+    if (!column.fixed) {
         if (column.variableIndex >= variableCount_) return {};
-        from = variableStart(column.variableIndex);
-        to = variableStart(column.variableIndex + 1u);
+        return variableValue(column.variableIndex);
     }
+    const std::size_t from = file_->layout().rowCountSize + column.fixedOffset;
+    const std::size_t size = fixedValueSize(column);
+    if (from + size > trailerStart_) file_->throwDamaged("Zeile");
+    return {row_ + from, size};
+}
+
+std::span<const std::uint8_t> RowView::fixedPart() const {
+    const std::size_t from = file_->layout().rowCountSize;
+    const bool hasVariablePart = table_->firstVariableNumber < columnCount_;
+    const std::size_t to = hasVariablePart ? variableStart(0) : maskStart_;
     if (from > to || to > trailerStart_) file_->throwDamaged("Zeile");
     return {row_ + from, to - from};
+}
+
+std::span<const std::uint8_t> RowView::variableValue(std::size_t index) const {
+    const std::size_t from = variableStart(index);
+    const std::size_t to = variableStart(index + 1);
+    if (from > to || to > trailerStart_) file_->throwDamaged("Zeile");
+    return {row_ + from, to - from};
+}
+
+std::span<const std::uint8_t> RowView::storedValue(std::size_t column) const {
+    return isNull(column) ? std::span<const std::uint8_t>() : value(table_->columns[column]);
 }
 
 std::span<const std::uint8_t> RowView::valueOfSize(const Column& column, std::size_t size) const {

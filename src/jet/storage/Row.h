@@ -37,6 +37,15 @@ class RowView {
     void appendText(std::size_t column, std::string& out) const;
     void appendBytes(std::size_t column, std::string& out) const;
 
+    // The row as stored, for those who write it anew. All throw Fehler 3049 for a damaged row.
+    std::size_t columnCount() const { return columnCount_; }
+    std::span<const std::uint8_t> mask() const { return {row_ + maskStart_, length_ - maskStart_}; }
+    std::span<const std::uint8_t> fixedPart() const;
+    std::size_t variableCount() const { return variableCount_; }
+    std::span<const std::uint8_t> variableValue(std::size_t index) const;
+    // The bytes of one column's value; nothing when the row has none. For Memo and OLE the reference.
+    std::span<const std::uint8_t> storedValue(std::size_t column) const;
+
     // For the classes that find rows: take over the row that lies at [start, start + length) of the page.
     // Throws Fehler 3049 when its frame is damaged.
     void assign(File& file, const TableDef& table, PagePtr page, std::size_t start, std::size_t length,
@@ -63,5 +72,8 @@ class RowView {
     std::size_t lastStart_ = 0;                // Jet 4: place of the start of variable value 0
     std::array<std::uint16_t, 257> starts_{};  // Jet 3: unpacked starts, the end of data behind the last
 };
+
+// Bytes that a value of this column takes in the fixed part; 0 for Yes/No, which lies in the mask alone.
+std::size_t fixedValueSize(const Column& column);
 
 }  // namespace wendel::jet

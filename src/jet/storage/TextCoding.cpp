@@ -49,7 +49,95 @@ void appendCompressed(std::span<const std::uint8_t> bytes, std::string& out) {
     }
 }
 
+bool isAscii(std::string_view text) {
+    return asciiRun(reinterpret_cast<const std::uint8_t*>(text.data()), text.size()) == text.size();
+}
+
+void appendUnit(char32_t unit, std::string& out) {
+    out.push_back(static_cast<char>(unit & 0xFF));
+    out.push_back(static_cast<char>(unit >> 8));
+}
+
+// Other writers compress neither the shortest texts nor long ones.
+constexpr std::size_t kLongestUncompressed = 2, kLongestCompressed = 1024;
+
+// Appends the compressed form; false, and nothing appended, where the text has none.
+bool appendAsCompressed(std::string_view utf8, std::string& out) {
+    if (utf8.size() <= kLongestUncompressed || utf8.size() > 2 * kLongestCompressed) return false;
+    const std::size_t before = out.size();
+    out += "\xFF\xFE";
+    const std::size_t start = out.size();
+    if (isAscii(utf8)) {
+        out += utf8;
+    } else {
+        for (std::size_t i = 0; i < utf8.size();) {
+            const char32_t c = decodeUtf8(utf8, i);
+            // Anything else ends the attempt at once.
+            if (c == 0 || c > 0xFF) {
+                out.resize(before);
+                return false;
+            }
+            out.push_back(static_cast<char>(c));
+        }
+    }
+    const std::size_t characters = out.size() - start;
+    if (characters > kLongestUncompressed && characters <= kLongestCompressed) return true;
+    out.resize(before);
+    return false;
+}
+
 }  // namespace
+
+char32_t decodeUtf8(std::string_view text, std::size_t& position) {
+    const auto first = static_cast<std::uint8_t>(text[position]);
+    ++position;
+    if (first < 0x80) return first;
+    const std::size_t more = first >= 0xF0 ? 3 : first >= 0xE0 ? 2 : 1;
+    if (first < 0xC2 || first > 0xF4 || text.size() - position < more) return kReplacement;
+    char32_t c = first & (0x3Fu >> more);
+    for (std::size_t i = 0; i < more; ++i) {
+        const auto byte = static_cast<std::uint8_t>(text[position + i]);
+        if ((byte & 0xC0) != 0x80) return kReplacement;
+        c = c << 6 | (byte & 0x3Fu);
+    }
+    constexpr char32_t kSmallest[] = {0x80, 0x800, 0x10000};
+    if (c < kSmallest[more - 1] || c > 0x10FFFF || (c >= 0xD800 && c < 0xE000)) return kReplacement;
+    position += more;
+    return c;
+}
+
+std::size_t utf16Length(std::string_view utf8) {
+    if (isAscii(utf8)) return utf8.size();
+    std::size_t units = 0;
+    for (std::size_t i = 0; i < utf8.size();)
+        units += decodeUtf8(utf8, i) < 0x10000 ? 1 : 2;
+    return units;
+}
+
+void appendAsUtf16(std::string_view utf8, std::string& out) {
+    out.reserve(out.size() + 2 * utf8.size());
+    for (std::size_t i = 0; i < utf8.size();) {
+        const char32_t c = decodeUtf8(utf8, i);
+        if (c < 0x10000) {
+            appendUnit(c, out);
+        } else {
+            appendUnit(0xD800 + ((c - 0x10000) >> 10), out);
+            appendUnit(0xDC00 + ((c - 0x10000) & 0x3FF), out);
+        }
+    }
+}
+
+void appendForStorage(Version version, bool compressible, std::string_view utf8, std::string& out) {
+    if (version == Version::kJet3) {
+        if (isAscii(utf8)) {
+            out += utf8;
+        } else {
+            out += nachWindows1252(utf8);
+        }
+    } else if (!compressible || !appendAsCompressed(utf8, out)) {
+        appendAsUtf16(utf8, out);
+    }
+}
 
 void appendUtf8(char32_t c, std::string& out) {
     if (c >= 0xD800 && c < 0xE000) c = kReplacement;
