@@ -8,10 +8,6 @@
 namespace wendel::jet {
 namespace {
 
-constexpr std::int32_t kTypeTable = 1;
-constexpr std::uint32_t kPageOfId = 0x00FFFFFF;
-constexpr std::uint32_t kSystemFlags = 0x80000002;
-
 // Where the catalog's own table keeps what is needed of it.
 struct CatalogColumns {
     std::size_t id, name, type, flags;
@@ -39,11 +35,12 @@ void Database::readCatalog() {
     const CatalogColumns columns = catalogColumns(file_, *objects);
     for (TableScan scan(file_, *objects); scan.next();) {
         const RowView& row = scan.row();
-        if (row.asInteger(columns.type) != kTypeTable) continue;
+        if (row.asInteger(columns.type) != catalog::kTypeTable) continue;
         CatalogEntry entry;
         row.appendText(columns.name, entry.name);
-        entry.page = static_cast<std::uint32_t>(row.asInteger(columns.id)) & kPageOfId;
-        entry.system = (static_cast<std::uint32_t>(row.asInteger(columns.flags)) & kSystemFlags) != 0;
+        entry.page = static_cast<std::uint32_t>(row.asInteger(columns.id)) & catalog::kPageOfId;
+        entry.system =
+            (static_cast<std::uint32_t>(row.asInteger(columns.flags)) & catalog::kSystemFlags) != 0;
         byFoldedName_.emplace(LCase(entry.name), entries_.size());
         entries_.push_back(std::move(entry));
     }

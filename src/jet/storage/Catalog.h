@@ -16,6 +16,20 @@
 
 namespace wendel::jet {
 
+// The fixed places of the catalog.
+namespace catalog {
+inline constexpr std::uint32_t kAccessPage = 3, kQueriesPage = 4, kRelationsPage = 5;
+inline constexpr std::uint32_t kRootId = 0x0F000000;
+inline constexpr std::uint32_t kTablesId = 0x0F000001, kDatabasesId = 0x0F000002, kRelationsId = 0x0F000003;
+inline constexpr std::uint32_t kDatabaseObjectId = 0x10000000;
+inline constexpr std::int32_t kTypeTable = 1, kTypeDatabase = 2, kTypeContainer = 3;
+// A table's id is the page of its definition.
+inline constexpr std::uint32_t kPageOfId = 0x00FFFFFF;
+inline constexpr std::uint32_t kSystemObject = 0x80000000;
+// Either of them: a table that users do not see, the engine's or the Access program's.
+inline constexpr std::uint32_t kSystemFlags = 0x80000002;
+}  // namespace catalog
+
 struct CatalogEntry {
     std::string name;
     std::uint32_t page = 0;  // of the definition

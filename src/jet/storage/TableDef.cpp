@@ -14,13 +14,8 @@ namespace {
 constexpr SortOrder kGeneral = {0x0409, 0};
 constexpr std::uint16_t kWindows1252 = 1252;
 
-constexpr std::uint8_t kFlagFixed = 0x01, kFlagAutonumber = 0x04, kFlagAutoGuid = 0x40;
-constexpr std::uint8_t kIndexUnique = 0x01, kIndexIgnoreNulls = 0x02, kIndexRequired = 0x08;
-constexpr std::uint8_t kKindPrimary = 1, kKindForeign = 2;
-constexpr std::uint16_t kNoColumn = 0xFFFF;
-
 // More than any definition needs; what goes on longer runs in a circle.
-constexpr int kMaxDefinitionPages = 256;
+constexpr std::size_t kMaxDefinitionPages = 256;
 // Ten times what the engine allows; the memory that counts in a damaged file may claim stays small.
 constexpr std::uint32_t kMaxIndexes = 320;
 
@@ -66,36 +61,6 @@ struct RealIndex {
     std::uint8_t flags = 0;
 };
 
-struct LogicalIndex {
-    std::uint32_t real = 0;
-    std::uint8_t kind = 0;
-};
-
-// All pages of the definition as the one string that was split over them.
-std::vector<std::uint8_t> joinPages(File& file, std::uint32_t first) {
-    std::vector<std::uint8_t> joined;
-    std::uint32_t number = first;
-    int pages = 0;
-    do {  // page 0 ends the chain but is refused as its beginning
-        const PagePtr page = file.page(number);
-        if (pages == kMaxDefinitionPages || (*page)[0] != static_cast<std::uint8_t>(PageType::kDefinition)) {
-            file.throwDamaged("Tabellendefinition");
-        }
-        const std::size_t from = pages == 0 ? 0 : kDefinitionContinuation;
-        joined.insert(joined.end(), page->begin() + static_cast<std::ptrdiff_t>(from), page->end());
-        number = loadU32(&(*page)[kDefinitionNext]);
-        ++pages;
-    } while (number != 0);
-    const std::uint32_t length = loadU32(&joined[kDefinitionLength]);
-    if (length < joined.size()) joined.resize(std::max<std::size_t>(length, file.layout().defVariablePart));
-    return joined;
-}
-
-ColumnType columnType(std::uint8_t code) {
-    const bool known = (code >= 1 && code <= 12) || code == 15 || code == 16;
-    return known ? static_cast<ColumnType>(code) : ColumnType::kUnknown;
-}
-
 TextOrder textOrder(const File& file, const Column& column) {
     if (!column.isText()) return TextOrder::kUnsupported;
     const SortOrder order = column.sortOrder.lcid != 0 ? column.sortOrder : file.sortOrder();
@@ -107,14 +72,15 @@ TextOrder textOrder(const File& file, const Column& column) {
 Column parseColumn(const File& file, const std::uint8_t* p) {
     const Layout& layout = file.layout();
     Column column;
-    column.type = columnType(p[0]);
+    column.type = isKnownType(p[0]) ? static_cast<ColumnType>(p[0]) : ColumnType::kUnknown;
     column.number = loadU16(p + layout.columnNumber);
     column.variableIndex = loadU16(p + layout.columnVariableIndex);
     column.fixedOffset = loadU16(p + layout.columnFixedOffset);
     column.length = loadU16(p + layout.columnLength);
-    const std::uint8_t flags = p[layout.columnFlags];
-    column.fixed = (flags & kFlagFixed) != 0;
-    column.autonumber = (flags & (column.type == ColumnType::kGuid ? kFlagAutoGuid : kFlagAutonumber)) != 0;
+    column.flags = p[layout.columnFlags];
+    column.fixed = (column.flags & kColumnFixed) != 0;
+    column.autonumber =
+        (column.flags & (column.type == ColumnType::kGuid ? kColumnAutoGuid : kColumnAutonumber)) != 0;
     const bool jet4 = file.version() == Version::kJet4;
     column.compressible = jet4 && (p[kColumnCompression] & 1) != 0;
     if (column.type == ColumnType::kDecimal) {
@@ -145,13 +111,17 @@ bool keysAreKnown(const Column& column) {
     return column.type != ColumnType::kOle && column.type != ColumnType::kUnknown;
 }
 
-Index combine(const TableDef& table, const RealIndex& real, std::uint8_t kind) {
+Index combine(const Layout& layout, const TableDef& table, const RealIndex& real, const std::uint8_t* block) {
+    const std::uint8_t kind = block[layout.logicalIndexKind];
     Index index;
+    index.number = loadU32(block + layout.logicalIndexNumber);
+    index.real = loadU32(block + layout.logicalIndexReal);
+    index.relatedTable = loadU32(block + layout.logicalIndexOtherTable);
     index.unique = (real.flags & kIndexUnique) != 0;
     index.ignoreNulls = (real.flags & kIndexIgnoreNulls) != 0;
-    index.primary = kind == kKindPrimary;
+    index.primary = kind == kIndexKindPrimary;
     index.required = index.primary || (real.flags & kIndexRequired) != 0;
-    index.foreign = kind == kKindForeign;
+    index.foreign = kind == kIndexKindForeign;
     index.root = real.root;
     index.pages = real.pages;
     index.searchable = !real.columns.empty();
@@ -189,7 +159,7 @@ void parseIndexes(const File& file, Reader& reader, std::uint32_t realCount, std
         const std::uint8_t* p = reader.take(layout.logicalIndexSize);
         const std::uint32_t number = loadU32(p + layout.logicalIndexReal);
         if (number >= real.size()) file.throwDamaged("Indexdefinition");
-        table.indexes.push_back(combine(table, real[number], p[layout.logicalIndexKind]));
+        table.indexes.push_back(combine(layout, table, real[number], p));
     }
     for (Index& index : table.indexes)
         index.name = reader.takeName();
@@ -216,6 +186,8 @@ auto findByName(const List& list, std::string_view name) {
 
 }  // namespace
 
+bool isKnownType(std::uint8_t code) { return (code >= 1 && code <= 12) || code == 15 || code == 16; }
+
 RowPointer loadRowPointer(const std::uint8_t* p) { return {loadU24(p + 1), p[0]}; }
 
 std::optional<std::size_t> TableDef::findColumn(std::string_view columnName) const {
@@ -234,13 +206,35 @@ const Index* TableDef::primaryKey() const {
     return found == indexes.end() ? nullptr : &*found;
 }
 
-std::shared_ptr<const TableDef> loadTableDef(File& file, std::uint32_t page, std::string name) {
+DefinitionBytes loadDefinitionBytes(File& file, std::uint32_t page) {
+    DefinitionBytes joined;
+    std::vector<std::uint8_t>& bytes = joined.bytes;
+    std::uint32_t number = page;
+    do {  // page 0 ends the chain but is refused as its beginning
+        const PagePtr part = file.page(number);
+        if (joined.pages.size() == kMaxDefinitionPages ||
+            (*part)[0] != static_cast<std::uint8_t>(PageType::kDefinition)) {
+            file.throwDamaged("Tabellendefinition");
+        }
+        const std::size_t from = joined.pages.empty() ? 0 : kDefinitionContinuation;
+        bytes.insert(bytes.end(), part->begin() + static_cast<std::ptrdiff_t>(from), part->end());
+        joined.pages.push_back(number);
+        number = loadU32(&(*part)[kDefinitionNext]);
+    } while (number != 0);
+    const std::uint32_t length = loadU32(&bytes[kDefinitionLength]);
+    if (length < bytes.size()) bytes.resize(std::max<std::size_t>(length, file.layout().defVariablePart));
+    return joined;
+}
+
+std::shared_ptr<const TableDef> parseTableDef(const File& file, const DefinitionBytes& definition,
+                                              std::string name) {
     const Layout& layout = file.layout();
-    const std::vector<std::uint8_t> bytes = joinPages(file, page);
+    const std::vector<std::uint8_t>& bytes = definition.bytes;
     auto table = std::make_shared<TableDef>();
     table->name = std::move(name);
-    table->page = page;
-    table->system = bytes[layout.defTableKind] == 'S';
+    table->page = definition.pages.front();
+    table->definitionPages = definition.pages;
+    table->system = bytes[layout.defTableKind] == kTableKindSystem;
     table->rowCount = loadU32(&bytes[layout.defRowCount]);
     table->lastAutonumber = loadU32(&bytes[layout.defLastAutonumber]);
     table->maxColumns = loadU16(&bytes[layout.defMaxColumns]);
@@ -257,6 +251,10 @@ std::shared_ptr<const TableDef> loadTableDef(File& file, std::uint32_t page, std
     parseIndexes(file, reader, realIndexes, logicalIndexes, *table);
     parseLongValueMaps(reader, *table);
     return table;
+}
+
+std::shared_ptr<const TableDef> loadTableDef(File& file, std::uint32_t page, std::string name) {
+    return parseTableDef(file, loadDefinitionBytes(file, page), std::move(name));
 }
 
 }  // namespace wendel::jet

@@ -34,6 +34,8 @@ enum class ColumnType : std::uint8_t {
     kUnknown = 0xFF,  // any other code: such a column reads as Null
 };
 
+bool isKnownType(std::uint8_t code);
+
 // A place in the file: page and row slot there. Page 0: nothing.
 struct RowPointer {
     std::uint32_t page = 0;
@@ -51,6 +53,7 @@ struct Column {
     bool fixed = false;                     // the value lies in the fixed part, whatever its type
     bool autonumber = false;                // counting Long, or generated GUID
     bool compressible = false;              // text may be stored with one byte a character
+    std::uint8_t flags = 0;                 // as stored; the ones above are taken from it
     std::uint8_t precision = 0, scale = 0;  // Decimal only
     SortOrder sortOrder;
     TextOrder textOrder = TextOrder::kUnsupported;  // Text and Memo only
@@ -73,7 +76,10 @@ struct Index {
     bool ignoreNulls = false;  // has no entry for a row whose indexed columns are all Null
     bool required = false;     // no Nulls allowed
     bool primary = false;
-    bool foreign = false;  // belongs to a relation
+    bool foreign = false;            // belongs to a relation
+    std::uint32_t real = 0;          // number of the tree: position of its block and of its statistics
+    std::uint32_t number = 0;        // by which the other table of a relation refers to it
+    std::uint32_t relatedTable = 0;  // page of the other table's definition; 0: none
     std::uint32_t root = 0;
     RowPointer pages;
     // False when a text column has an order whose keys are not known: never search such an index.
@@ -83,6 +89,7 @@ struct Index {
 struct TableDef {
     std::string name;  // as the catalog has it; empty when loaded by page
     std::uint32_t page = 0;
+    std::vector<std::uint32_t> definitionPages;  // `page` and those that continue it
     bool system = false;
     std::uint32_t rowCount = 0;        // as noted in the file; system tables may show too few
     std::uint32_t lastAutonumber = 0;  // the next one is one more
@@ -100,7 +107,18 @@ struct TableDef {
     const Index* primaryKey() const;
 };
 
-// Reads the definition that starts on this page. Throws Fehler 3049 when it is damaged.
+// A definition as the file has it: joined from its pages, the header of the first one included.
+struct DefinitionBytes {
+    std::vector<std::uint8_t> bytes;
+    std::vector<std::uint32_t> pages;  // at least one
+};
+// Throws Fehler 3049 when one of the pages is something else or the chain has no end.
+DefinitionBytes loadDefinitionBytes(File& file, std::uint32_t page);
+// Throws Fehler 3049 when the definition is damaged.
+std::shared_ptr<const TableDef> parseTableDef(const File& file, const DefinitionBytes& definition,
+                                              std::string name);
+
+// Both in one: the definition that starts on this page. Throws Fehler 3049 when it is damaged.
 std::shared_ptr<const TableDef> loadTableDef(File& file, std::uint32_t page, std::string name);
 
 }  // namespace wendel::jet
