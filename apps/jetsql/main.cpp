@@ -1,7 +1,9 @@
 // jetsql: runs statements of the database's dialect on a Jet file and prints their rows. See kUsage.
 
+#include <charconv>
 #include <cstdio>
 #include <iostream>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -9,6 +11,9 @@
 #include "desktop/LinuxUhr.h"
 #include "jet/Connection.h"
 #include "jet/RowText.h"
+#include "jet/storage/Compact.h"
+#include "jet/storage/Repair.h"
+#include "jet/storage/Schema.h"
 #include "platform/Fehler.h"
 
 namespace {
@@ -18,14 +23,25 @@ constexpr int kFailed = 1;
 constexpr int kWrongUsage = 2;
 
 constexpr std::string_view kUsage =
-    "Aufruf: jetsql DATEI [ANWEISUNG ...]\n"
+    "Aufruf: jetsql DATEI [ANWEISUNG ...] [--sperren SEKUNDEN]\n"
+    "        jetsql DATEI --anlegen [ANWEISUNG ...]\n"
+    "        jetsql DATEI --reparieren\n"
+    "        jetsql DATEI --komprimieren ZIEL\n"
     "\n"
     "Führt SQL-Anweisungen auf einer Jet-Datenbank (.mdb) aus. Ohne ANWEISUNG wird jede Zeile der\n"
     "Standardeingabe als Anweisung ausgeführt, sobald sie gelesen ist.\n"
     "\n"
     "Ausgabe: eine Kopfzeile mit den Spaltennamen, dann eine Zeile je Datensatz, UTF-8, durch TAB getrennt.\n"
     "Null erscheint als \\N, in Texten stehen \\\\ \\t \\r \\n \\0 für Backslash, TAB, CR, LF und NUL.\n"
-    "Ja/Nein ist -1/0, ein Datum jjjj-mm-tt hh:mm:ss.\n"
+    "Ja/Nein ist -1/0, ein Datum jjjj-mm-tt hh:mm:ss. Eine Anweisung, die ändert, ergibt die Spalte\n"
+    "Geändert mit der Zahl der Datensätze.\n"
+    "\n"
+    "--sperren SEKUNDEN    hält nach den Anweisungen die Schreibsperre der Datei, sagt \"Gesperrt.\" und "
+    "endet\n"
+    "                      nach so vielen Sekunden; andere Programme können so lange nur lesen\n"
+    "--anlegen             legt DATEI zuerst neu an; mit --anlegen-jet3 in der älteren Fassung des Formats\n"
+    "--reparieren          baut DATEI aus dem neu auf, was von ihr lesbar ist\n"
+    "--komprimieren ZIEL   kopiert DATEI ohne das Gelöschte in die neue Datei ZIEL\n"
     "\n"
     "Der erste Fehler beendet den Lauf mit \"(Nummer) Beschreibung\" auf der Fehlerausgabe.\n"
     "Rückgabewert: 0 fertig, 1 Fehler, 2 falscher Aufruf.\n";
@@ -41,8 +57,7 @@ void flush(std::string& buffer) {
     buffer.clear();
 }
 
-void runStatement(wendel::jet::Connection& connection, const std::string& statement) {
-    wendel::jet::Query query = connection.query(statement);
+void printRows(wendel::jet::Query& query) {
     std::string buffer;
     buffer.reserve(kBufferBytes + kBufferBytes / 4);
     wendel::jet::appendHeaderLine(query, buffer);
@@ -58,21 +73,98 @@ void runStatement(wendel::jet::Connection& connection, const std::string& statem
         throw;
     }
     flush(buffer);
+}
+
+void runStatement(wendel::jet::Connection& connection, const std::string& statement) {
+    auto outcome = connection.run(statement);
+    if (outcome.rows) {
+        printRows(*outcome.rows);
+    } else {
+        std::string answer = "Geändert\n" + std::to_string(outcome.changed) + "\n";
+        flush(answer);
+    }
     std::fflush(stdout);
 }
 
 bool isBlank(std::string_view line) { return line.find_first_not_of(" \t\r") == std::string_view::npos; }
 
-void run(const std::vector<std::string>& arguments, wendel::Uhr& uhr) {
-    wendel::jet::Connection connection(arguments[0], uhr);
+// What the command line asks for.
+struct Task {
+    std::string file;
+    std::vector<std::string> statements;
+    std::optional<wendel::jet::Version> create;
+    std::optional<std::string> compactTo;
+    int lockSeconds = -1;  // -1: no lock
+    bool repair = false;
+};
+
+std::optional<int> wholeNumber(const std::string& text) {
+    int value = 0;
+    const char* last = text.data() + text.size();
+    const auto result = std::from_chars(text.data(), last, value);
+    return result.ec == std::errc() && result.ptr == last && value >= 0 ? std::optional(value) : std::nullopt;
+}
+
+// Nothing for a wrong call.
+std::optional<Task> taskOf(const std::vector<std::string>& arguments) {
+    if (arguments.empty() || arguments[0].empty() || arguments[0][0] == '-') {
+        return std::nullopt;
+    }
+    Task task;
+    task.file = arguments[0];
     for (std::size_t i = 1; i < arguments.size(); ++i) {
-        runStatement(connection, arguments[i]);
+        const std::string& argument = arguments[i];
+        const bool hasValue = i + 1 < arguments.size();
+        if (!argument.starts_with("--")) {
+            task.statements.push_back(argument);
+        } else if (argument == "--anlegen") {
+            task.create = wendel::jet::Version::kJet4;
+        } else if (argument == "--anlegen-jet3") {
+            task.create = wendel::jet::Version::kJet3;
+        } else if (argument == "--reparieren") {
+            task.repair = true;
+        } else if (argument == "--komprimieren" && hasValue) {
+            task.compactTo = arguments[++i];
+        } else if (const auto seconds = hasValue ? wholeNumber(arguments[i + 1]) : std::nullopt;
+                   argument == "--sperren" && seconds) {
+            task.lockSeconds = *seconds;
+            ++i;
+        } else {
+            return std::nullopt;
+        }
+    }
+    return task;
+}
+
+void runStatements(const Task& task, wendel::Uhr& uhr) {
+    wendel::jet::Connection connection(task.file, uhr);
+    for (const std::string& statement : task.statements) {
+        runStatement(connection, statement);
     }
     std::string line;
-    while (arguments.size() == 1 && std::getline(std::cin, line)) {
+    const bool fromInput = task.statements.empty() && !task.create && task.lockSeconds < 0;
+    while (fromInput && std::getline(std::cin, line)) {
         if (!isBlank(line)) {
             runStatement(connection, line);
         }
+    }
+    if (task.lockSeconds >= 0) {
+        const wendel::jet::File::Writing lock(connection.file());
+        std::cout << "Gesperrt." << std::endl;
+        uhr.schlafe(task.lockSeconds * 1000);
+    }
+}
+
+void run(const Task& task, wendel::Uhr& uhr) {
+    if (task.repair) {
+        wendel::jet::repairDatabaseFile(task.file);
+    } else if (task.compactTo) {
+        wendel::jet::compactDatabaseFile(task.file, *task.compactTo);
+    } else {
+        if (task.create) {
+            wendel::jet::createDatabaseFile(task.file, *task.create);
+        }
+        runStatements(task, uhr);
     }
 }
 
@@ -84,7 +176,8 @@ int main(int argc, char** argv) {
         std::cout << kUsage;
         return kDone;
     }
-    if (arguments.empty() || arguments[0].empty() || arguments[0][0] == '-') {
+    const std::optional<Task> task = taskOf(arguments);
+    if (!task) {
         std::cerr << kUsage;
         return kWrongUsage;
     }
@@ -95,7 +188,7 @@ int main(int argc, char** argv) {
         return kWrongUsage;
     }
     try {
-        run(arguments, *uhr);
+        run(*task, *uhr);
     } catch (const wendel::Fehler& fehler) {
         std::fflush(stdout);
         std::cerr << "(" << fehler.nummer() << ") " << fehler.beschreibung() << "\n";

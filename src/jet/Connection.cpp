@@ -2,134 +2,41 @@
 
 #include <sqlite3.h>
 
-#include <map>
+#include <algorithm>
 #include <utility>
 
-#include "jet/TableModule.h"
+#include "jet/ChangeRun.h"
+#include "jet/RowReading.h"
+#include "jet/Session.h"
 #include "jet/sql/Errors.h"
-#include "jet/sql/Functions.h"
 #include "jet/sql/Parser.h"
-#include "jet/sql/Translator.h"
-#include "jet/sql/Value.h"
-#include "jet/storage/Catalog.h"
-#include "jet/storage/TextKeys.h"
-#include "platform/Text.h"
 
 namespace wendel::jet {
 namespace {
 
-// The program is resident and asks rarely: small buffers, given back with the connection.
-constexpr int kLookasideSlotBytes = 256;
-constexpr int kLookasideSlots = 64;
-constexpr std::size_t kPageCacheBytes = 1 << 20;
+// How often a session is opened anew because the file has changed again meanwhile.
+constexpr int kMostSessions = 10;
 
-int compareTexts(void* order, int aLength, const void* a, int bLength, const void* b) {
-    return compareText(*static_cast<const TextOrder*>(order),
-                       {static_cast<const char*>(a), static_cast<std::size_t>(aLength)},
-                       {static_cast<const char*>(b), static_cast<std::size_t>(bLength)});
+bool sameColumns(const TableDef& a, const TableDef& b) {
+    const auto same = [](const Column& x, const Column& y) {
+        return x.name == y.name && x.type == y.type && x.number == y.number;
+    };
+    return a.page == b.page &&
+           std::equal(a.columns.begin(), a.columns.end(), b.columns.begin(), b.columns.end(), same);
 }
 
 }  // namespace
 
-// The file, and an SQLite connection that knows the tables asked for so far.
-class Session : public sql::Schema {
-  public:
-    explicit Session(const std::string& path)
-        : database_(path, Access::kReadWrite, kPageCacheBytes),
-          order_(database_.file().version() == Version::kJet3 ? TextOrder::kGeneralJet3
-                                                              : TextOrder::kGeneralJet4),
-          module_{database_.file(), failures_} {
-        open();
-    }
-    ~Session() override { sqlite3_close(connection_); }
-    Session(const Session&) = delete;
-    Session& operator=(const Session&) = delete;
-
-    sqlite3* connection() { return connection_; }
-    Database& database() { return database_; }
-    sql::FailureSlot& failures() { return failures_; }
-
-    const sql::SchemaTable* table(std::string_view name) override {
-        const std::string key = LCase(name);
-        if (const auto known = tables_.find(key); known != tables_.end()) {
-            return &known->second;
-        }
-        const auto definition = database_.table(name);
-        return definition ? &(tables_[key] = attach(definition, key)) : nullptr;
-    }
-
-    // Pages that do not fit together while somebody else writes them are no damage, but a conflict that has
-    // gone at the next try.
-    Fehler seenWhole(const Fehler& failure) const {
-        const bool torn = failure.nummer() == jetfehler::kDamaged && database_.file().changed();
-        return torn ? sql::sqlError(sql::kLocked) : failure;
-    }
-
-    // The Fehler for a failed SQLite call: what the functions or the file threw, else what SQLite says.
-    Fehler failure() {
-        if (failures_.failure) {
-            return seenWhole(*std::exchange(failures_.failure, std::nullopt));
-        }
-        const std::string text = sqlite3_errmsg(connection_);
-        const bool tooLarge =
-            text.find("too many") != std::string::npos || text.find("too large") != std::string::npos ||
-            text.find("overflow") != std::string::npos || text.find("at most") != std::string::npos;
-        return tooLarge ? sql::sqlError(sql::kTooComplex) : sql::sqlError(sql::kExpressionSyntax, text);
-    }
-
-  private:
-    void open() {
-        if (sqlite3_open_v2(":memory:", &connection_,
-                            SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX,
-                            nullptr) != SQLITE_OK) {
-            sqlite3_close(connection_);
-            throw std::bad_alloc();
-        }
-        sqlite3_db_config(connection_, SQLITE_DBCONFIG_LOOKASIDE, nullptr, kLookasideSlotBytes,
-                          kLookasideSlots);
-        sqlite3_exec(connection_, "PRAGMA temp_store=MEMORY; PRAGMA cache_size=-64;", nullptr, nullptr,
-                     nullptr);
-        sqlite3_create_collation_v2(connection_, sql::kCollation, SQLITE_UTF8, &order_, compareTexts,
-                                    nullptr);
-        sql::registerFunctions(connection_, failures_);
-        registerTableModule(connection_, module_);
-    }
-
-    sql::SchemaTable attach(const std::shared_ptr<const TableDef>& definition, const std::string& key) {
-        sql::SchemaTable table{definition->name, "T:" + key, {}};
-        for (const jet::Column& column : definition->columns) {
-            table.columns.push_back({column.name, jetTypeOf(column.type)});
-        }
-        module_.definition = definition;
-        const std::string sql =
-            "CREATE VIRTUAL TABLE temp." + sql::quotedName(table.sqlName) + " USING " + kTableModule;
-        const int code = sqlite3_exec(connection_, sql.c_str(), nullptr, nullptr, nullptr);
-        module_.definition.reset();
-        if (code != SQLITE_OK) {
-            throw failure();
-        }
-        return table;
-    }
-
-    Database database_;
-    TextOrder order_;
-    sql::FailureSlot failures_;
-    ModuleContext module_;
-    sqlite3* connection_ = nullptr;
-    std::map<std::string, sql::SchemaTable> tables_;
-};
+// --- queries ---
 
 struct Query::Statement {
-    explicit Statement(sqlite3_stmt* h) : handle(h) {}
-    ~Statement() { sqlite3_finalize(handle); }
-    Statement(const Statement&) = delete;
-    Statement& operator=(const Statement&) = delete;
-    sqlite3_stmt* handle;
+    explicit Statement(Session& session) : reading(session) {}
+    Session::Reading reading;
+    PreparedStatement prepared;
 };
 
-Query::Query(std::shared_ptr<Session> session, std::unique_ptr<Statement> statement,
-             std::vector<Column> columns)
-    : session_(std::move(session)), statement_(std::move(statement)), columns_(std::move(columns)) {}
+Query::Query(std::shared_ptr<Session> session, std::unique_ptr<Statement> statement)
+    : session_(std::move(session)), statement_(std::move(statement)) {}
 Query::~Query() = default;
 Query::Query(Query&&) noexcept = default;
 
@@ -137,6 +44,8 @@ Query& Query::operator=(Query&& other) noexcept {
     statement_ = std::move(other.statement_);  // before the session that it runs in
     session_ = std::move(other.session_);
     columns_ = std::move(other.columns_);
+    table_ = std::move(other.table_);
+    tableColumns_ = std::move(other.tableColumns_);
     return *this;
 }
 
@@ -144,21 +53,26 @@ bool Query::step() {
     if (!statement_) {
         return false;
     }
-    const int code = sqlite3_step(statement_->handle);
-    if (code == SQLITE_ROW) {
-        return true;
+    try {
+        if (session_->step(statement_->prepared.get())) {
+            return true;
+        }
+    } catch (const Fehler&) {
+        stop();
+        throw;
     }
-    if (code != SQLITE_DONE) {
-        const Fehler failure = session_->failure();
-        statement_.reset();
-        throw failure;
-    }
-    statement_.reset();
+    stop();
     return false;
 }
 
+// The file is of no use any more, and others may wait for its last user.
+void Query::stop() {
+    statement_.reset();
+    session_.reset();
+}
+
 Query::Storage Query::storage(std::size_t column) const {
-    switch (sqlite3_column_type(statement_->handle, static_cast<int>(column))) {
+    switch (sqlite3_column_type(statement_->prepared.get(), static_cast<int>(column))) {
         case SQLITE_INTEGER: return Storage::Whole;
         case SQLITE_FLOAT: return Storage::Real;
         case SQLITE_TEXT: return Storage::Text;
@@ -168,35 +82,143 @@ Query::Storage Query::storage(std::size_t column) const {
 }
 
 std::int64_t Query::whole(std::size_t column) const {
-    return sqlite3_column_int64(statement_->handle, static_cast<int>(column));
+    return sqlite3_column_int64(statement_->prepared.get(), static_cast<int>(column));
 }
 double Query::real(std::size_t column) const {
-    return sqlite3_column_double(statement_->handle, static_cast<int>(column));
+    return sqlite3_column_double(statement_->prepared.get(), static_cast<int>(column));
 }
 std::string_view Query::text(std::size_t column) const {
-    const auto* data =
-        reinterpret_cast<const char*>(sqlite3_column_text(statement_->handle, static_cast<int>(column)));
-    return data ? std::string_view(data, static_cast<std::size_t>(sqlite3_column_bytes(
-                                             statement_->handle, static_cast<int>(column))))
-                : std::string_view();
+    const KeyValue cell = value(column);
+    const auto* text = std::get_if<std::string_view>(&cell);
+    return text ? *text : std::string_view();
 }
 std::string_view Query::bytes(std::size_t column) const {
-    const auto* data =
-        static_cast<const char*>(sqlite3_column_blob(statement_->handle, static_cast<int>(column)));
-    return data ? std::string_view(data, static_cast<std::size_t>(sqlite3_column_bytes(
-                                             statement_->handle, static_cast<int>(column))))
-                : std::string_view();
+    const KeyValue cell = value(column);
+    const auto* bytes = std::get_if<KeyBytes>(&cell);
+    return bytes ? bytes->bytes : std::string_view();
 }
+KeyValue Query::value(std::size_t column) const { return cellValue(statement_->prepared.get(), column); }
+
+void Query::pack(PackedRows& rows) const {
+    packRow(statement_->prepared.get(), columns_.size() + (table_ ? 1 : 0), rows);
+}
+
+// --- writing ---
+
+// The session that a statement writes in, and the lock; without commit() nothing has happened.
+class Connection::WriteLock {
+  public:
+    explicit WriteLock(std::shared_ptr<Session> session)
+        : session_(std::move(session)), writing_(std::in_place, session_->file()) {}
+    ~WriteLock() {
+        writing_.reset();
+        if (!committed_) {
+            session_->forgetWriters();
+        }
+    }
+    WriteLock(const WriteLock&) = delete;
+    WriteLock& operator=(const WriteLock&) = delete;
+
+    Session& session() { return *session_; }
+    void commit(Durability durability) {
+        writing_->commit(durability);
+        committed_ = true;
+    }
+
+  private:
+    std::shared_ptr<Session> session_;
+    std::optional<File::Writing> writing_;
+    bool committed_ = false;
+};
+
+// Queries that run keep their session: what they read must not change under them. A file that was written a
+// moment ago by somebody else counts as changed for that moment even when it is opened anew.
+std::unique_ptr<Connection::WriteLock> Connection::lockForWriting() {
+    for (int opened = 0;; ++opened) {
+        if (session_->isRead() || opened > 0) {
+            session_ = std::make_shared<Session>(path_);
+        }
+        auto lock = std::make_unique<WriteLock>(session_);
+        if (!session_->outdated() || opened == kMostSessions) {
+            return lock;  // the file itself refuses to write over what it has not seen
+        }
+    }
+}
+
+std::int64_t Connection::change(const sql::Statement& statement) {
+    const auto lock = lockForWriting();
+    const std::int64_t changed = runChange(lock->session(), statement, uhr_.jetzt());
+    lock->commit(Durability::kNow);
+    return changed;
+}
+
+template <class Work>
+auto Connection::withWriter(const TableDef& table, const Work& work) {
+    const auto lock = lockForWriting();
+    const auto current = lock->session().database().table(table.name);
+    if (!current || !sameColumns(*current, table)) {
+        throw sql::sqlError(sql::kInvalidOperation);
+    }
+    TableWriter& writer = lock->session().writer(current);
+    const auto result = work(writer);
+    lock->commit(Durability::kSoon);
+    return result;
+}
+
+std::int32_t Connection::reserveAutonumber(const TableDef& table) {
+    return withWriter(table, [](TableWriter& writer) { return writer.reserveAutonumber(); });
+}
+
+std::optional<std::int32_t> Connection::insertRow(const TableDef& table, std::span<const Cell> cells,
+                                                  bool reserveNext) {
+    return withWriter(table, [&](TableWriter& writer) {
+        writer.insert(cells);
+        return reserveNext ? std::optional(writer.reserveAutonumber()) : std::nullopt;
+    });
+}
+
+void Connection::updateRow(const TableDef& table, RowId row, std::span<const std::size_t> columns,
+                           std::span<const Cell> cells) {
+    withWriter(table, [&](TableWriter& writer) {
+        writer.update(row, columns, cells);
+        return row;
+    });
+}
+
+// --- the connection ---
 
 Connection::Connection(const std::string& nativePath, Uhr& uhr)
     : uhr_(uhr), path_(nativePath), session_(std::make_shared<Session>(nativePath)) {}
-Connection::~Connection() = default;
+Connection::~Connection() { checkpoint(); }
 
-File& Connection::file() { return session_->database().file(); }
+File& Connection::file() { return session_->file(); }
 
-sql::Translation Connection::translated(const sql::Statement& statement) {
+void Connection::checkpoint() {
+    if (!session_->file().journalEmpty()) {
+        session_->file().checkpoint();
+    }
+}
+
+// A query that still runs keeps the old session, and its file.
+Query Connection::start(const sql::Select& select) {
+    auto statement = std::make_unique<Query::Statement>(*session_);
+    for (int opened = 0; session_->outdated() && opened < kMostSessions; ++opened) {
+        statement.reset();
+        session_ = std::make_shared<Session>(path_);
+        statement = std::make_unique<Query::Statement>(*session_);
+    }
     try {
-        return sql::translate(statement, *session_, uhr_.jetzt());
+        const sql::Translation translation = sql::translate(select, *session_, uhr_.jetzt());
+        statement->prepared = session_->prepare(translation.sql);
+        Query query(session_, std::move(statement));
+        for (const sql::ResultColumn& column : translation.columns) {
+            query.columns_.push_back({column.name, column.type});
+        }
+        if (!translation.table.empty()) {
+            query.table_ = session_->database().table(translation.table);
+            query.tableColumns_ = translation.tableColumns;
+        }
+        return query;
     } catch (const Fehler& failure) {
         throw session_->seenWhole(failure);
     }
@@ -204,21 +226,27 @@ sql::Translation Connection::translated(const sql::Statement& statement) {
 
 Query Connection::query(std::string_view text) {
     const sql::Statement statement = sql::parse(text);
-    if (session_->database().file().changed()) {
-        // Tables may have other columns now. A query that still runs keeps the old session, and its file.
-        session_ = std::make_shared<Session>(path_);
+    const auto* select = std::get_if<sql::SelectPtr>(&statement.node);
+    if (!select) {
+        throw sql::sqlError(sql::kInvalidOperation);
     }
-    const sql::Translation translation = translated(statement);
-    sqlite3_stmt* handle = nullptr;
-    if (sqlite3_prepare_v2(session_->connection(), translation.sql.data(),
-                           static_cast<int>(translation.sql.size()), &handle, nullptr) != SQLITE_OK) {
-        throw session_->failure();
+    return start(**select);
+}
+
+std::int64_t Connection::execute(std::string_view text) {
+    const sql::Statement statement = sql::parse(text);
+    if (std::holds_alternative<sql::SelectPtr>(statement.node)) {
+        throw sql::sqlError(sql::kSelectNotExecutable);
     }
-    std::vector<Query::Column> columns;
-    for (const sql::ResultColumn& column : translation.columns) {
-        columns.push_back({column.name, column.type});
+    return change(statement);
+}
+
+Connection::Outcome Connection::run(std::string_view text) {
+    const sql::Statement statement = sql::parse(text);
+    if (const auto* select = std::get_if<sql::SelectPtr>(&statement.node)) {
+        return {start(**select), 0};
     }
-    return Query(session_, std::make_unique<Query::Statement>(handle), std::move(columns));
+    return {std::nullopt, change(statement)};
 }
 
 }  // namespace wendel::jet

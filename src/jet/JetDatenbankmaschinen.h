@@ -1,5 +1,5 @@
 #pragma once
-// The database engine behind the port, over Jet files: reading with the dialect of sql/, pages of storage/.
+// The database engine behind the port, over Jet files: the dialect of sql/ on the pages of storage/.
 // The composition root makes one JetDatenbankmaschinen and hands it to the logic; nothing else of this folder
 // is needed there. A closed database gives back its connection, page cache and prepared statements.
 
@@ -16,8 +16,9 @@ namespace wendel::jet {
 using Pfadumsetzung = std::function<std::string(const std::string& logischerPfad)>;
 
 // Errors of all objects made here are Fehler with the engine's numbers: 3024, 3044, 3051, 3343 from opening;
-// 3061, 3075, 3078, 3131 and relatives from statements; 3049 for damaged pages, 3050 while others write them;
-// 3265 for unknown fields; 3420 for closed objects; 3027 for everything that would write.
+// 3061, 3075, 3078, 3131 and relatives from statements; 3049 for damaged pages, 3050 and 3260 while others
+// keep the file locked; 3022, 3163, 3349 and relatives for values that cannot be stored; 3026 for a full
+// disk; 3265 for unknown fields; 3420 for closed objects; 3027 for writing what cannot be written.
 class JetDatenbankmaschinen : public Datenbankmaschinen {
   public:
     // uhr answers date() and now() in statements. Both arguments outlive the engines made here.

@@ -13,6 +13,7 @@
 
 #include "jet/sql/Errors.h"
 #include "jet/sql/Translator.h"
+#include "jet/storage/Bytes.h"
 #include "jet/storage/IndexCursor.h"
 #include "jet/storage/Table.h"
 
@@ -168,6 +169,13 @@ bool usableType(const Column& column) {
     }
 }
 
+// Rows now: the definition was read when the session began, which may have filled the table since.
+double rowCountOf(const VirtualTable& table) {
+    File& file = table.context.file;
+    const PagePtr page = file.page(table.definition->page);
+    return std::max(10.0, static_cast<double>(loadU32(&(*page)[file.layout().defRowCount])));
+}
+
 Bounds boundsOf(sqlite3_index_info& info, const TableDef& definition, std::size_t column) {
     Bounds bounds;
     if (!usableType(definition.columns[column])) {
@@ -234,7 +242,7 @@ bool givesOrder(const sqlite3_index_info& info, const TableDef& definition, cons
     return true;
 }
 
-std::optional<Candidate> candidateFor(sqlite3_index_info& info, const TableDef& definition,
+std::optional<Candidate> candidateFor(sqlite3_index_info& info, const TableDef& definition, double rowCount,
                                       std::size_t number) {
     const Index& index = definition.indexes[number];
     if (!index.searchable || index.root == 0) {
@@ -242,7 +250,7 @@ std::optional<Candidate> candidateFor(sqlite3_index_info& info, const TableDef& 
     }
     Candidate result;
     result.plan.index = static_cast<int>(number);
-    result.rows = std::max<double>(definition.rowCount, 10);
+    result.rows = rowCount;
     for (const IndexColumn& column : index.columns) {
         const Bounds bounds = boundsOf(info, definition, column.column);
         if (bounds.equal >= 0) {
@@ -297,8 +305,9 @@ int bestIndex(sqlite3_vtab* base, sqlite3_index_info* info) {
     const TableDef& definition = *table.definition;
     return guarded(table.context, [&] {
         info->idxNum = Plan::kScan;
-        info->estimatedRows = std::max<sqlite3_int64>(definition.rowCount, 10);
-        info->estimatedCost = static_cast<double>(info->estimatedRows) + 20;
+        const double rowCount = rowCountOf(table);
+        info->estimatedRows = static_cast<sqlite3_int64>(rowCount);
+        info->estimatedCost = rowCount + 20;
         for (int i = 0; i < info->nConstraint; ++i) {
             const auto& constraint = info->aConstraint[i];
             if (constraint.usable && constraint.iColumn == -1 &&
@@ -313,7 +322,7 @@ int bestIndex(sqlite3_vtab* base, sqlite3_index_info* info) {
         }
         std::optional<Candidate> best;
         for (std::size_t i = 0; i < definition.indexes.size(); ++i) {
-            auto candidate = candidateFor(*info, definition, i);
+            auto candidate = candidateFor(*info, definition, rowCount, i);
             // Sorting costs SQLite about as much again as reading.
             const auto total = [](const Candidate& c) { return c.ordered ? c.cost : c.cost + c.rows; };
             if (candidate && (!best || total(*candidate) < total(*best))) {

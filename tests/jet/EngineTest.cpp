@@ -81,10 +81,10 @@ TEST_F(Engine, ExpressionsHaveTypes) {
     }
 }
 
-TEST_F(Engine, RefusesWhatItCannotOpenOrWrite) {
-    const auto numberOf = [](const auto& work) { return errorOf(work).substr(0, 6); };
-    EXPECT_EQ(numberOf([&] { machine()->openDatabase(kFolder + "fehlt.mdb"); }), "(3024)");
-    EXPECT_EQ(numberOf([&] { database_->execute("Delete from Sender", kFailOnError); }), "(3027)");
+TEST_F(Engine, RefusesWhatItCannotOpenOrRun) {
+    EXPECT_EQ(fehlernummerVon([&] { machine()->openDatabase(kFolder + "fehlt.mdb"); }), 3024);
+    EXPECT_EQ(fehlernummerVon([&] { database_->execute("Select * from Sender", kFailOnError); }), 3065);
+    EXPECT_EQ(fehlernummerVon([&] { rows("Delete from Sender"); }), 3219);
 }
 
 TEST_F(Engine, CountsOpenRecordsetsAndClosesThem) {
@@ -163,7 +163,7 @@ TEST_F(SharedFile, NewStatementsSeeWhatAnotherProgramWrote) {
 
 // Another program writes, cuts or exchanges the file between two rows: no crash, no endless walk, and where
 // pages do not fit together the error is the conflict that a retry heals, not damage.
-TEST_F(SharedFile, OpenRecordsetsSurviveWhateverIsWritten) {
+TEST_F(SharedFile, RunningQueriesSurviveWhateverIsWritten) {
     constexpr unsigned kSeed = 1224;
     SCOPED_TRACE(kSeed);
     std::mt19937 random(kSeed);
@@ -174,11 +174,12 @@ TEST_F(SharedFile, OpenRecordsetsSurviveWhateverIsWritten) {
     const std::string statements[] = {"Select * from Sendungen",
                                       "Select Pos,Titel,Beginn from Sendungen order by Beginn desc",
                                       "Select * from SendungenDetails", join};
+    Connection connection(path_, clock_);
     int conflicts = 0;
     for (int round = 0; round < 120; ++round) {
         write(original);
-        auto running = rows(statements[round % 4]);
-        running->moveNext();
+        Query running = connection.query(statements[round % 4]);
+        running.step();
         std::string changed = original;
         switch (round / 4 % 5) {
             case 0: changed = fileBytes("echte/common2V1997.mdb"); break;  // other pages of another size
@@ -191,15 +192,130 @@ TEST_F(SharedFile, OpenRecordsetsSurviveWhateverIsWritten) {
         write(changed);
         errorOf([&] { rows("Select Count(*) from Sender"); });  // looks at the new file beside it
         const int number = fehlernummerVon([&] {
-            for (; !running->eof(); running->moveNext()) {
+            do {
                 for (std::size_t i = 0; i < 3; ++i)
-                    running->feld(i);
-            }
+                    running.value(i);
+            } while (running.step());
         });
         EXPECT_TRUE(number == 0 || number == 3050) << number << " in round " << round;
         conflicts += number == 3050 ? 1 : 0;
     }
     EXPECT_GT(conflicts, 20);
+}
+
+class WritableFile : public SharedFile {
+  protected:
+    std::unique_ptr<Recordset> adding(const std::string& sql) {
+        return database_->openRecordset(sql, kDynaset, kAppendOnly);
+    }
+    int lineCount(const std::string& sql) {
+        int count = 0;
+        for (auto rs = rows(sql); !rs->eof(); rs->moveNext())
+            ++count;
+        return count;
+    }
+};
+
+TEST_F(WritableFile, RecordsAreAddedWithTheKeyThatTheyShowAtOnce) {
+    auto rs = adding("Select * from Sendungen");
+    EXPECT_TRUE(rs->eof());
+    const auto otherDatabase = machine()->openDatabase(path_);
+    auto other = otherDatabase->openRecordset("Select * from Sendungen", kDynaset, 0);
+    for (int i = 0; i < 30; ++i) {
+        rs->addNew();
+        other->addNew();
+        EXPECT_NE(rs->feld("Pos"), other->feld("Pos")) << i;
+        EXPECT_EQ(rs->feld("KzFilm"), Variant::boolesch(false));
+        EXPECT_TRUE(rs->feld("Titel").istNull());
+        rs->setzeFeld("titel", Variant::text("Größe " + std::to_string(i)));
+        rs->setzeFeld("Beginn", Variant::datum(kEvening));
+        rs->setzeFeld("Bewertung", Variant::text("4"));
+        rs->setzeFeld("Dauer", Variant::integer(90));
+        rs->setzeFeld("KzFilm", Variant::boolesch(true));
+        EXPECT_EQ(rs->feld("Bewertung"), Variant::integer(4));
+        const std::string key = rs->feld("Pos").alsText();
+        rs->update();
+        auto added =
+            rows("Select Pos,Titel,Beginn,Bewertung,Dauer,KzFilm,VPS from Sendungen where Pos=" + key);
+        const Variant expected[] = {Variant::lang(std::stoi(key)),
+                                    Variant::text("Größe " + std::to_string(i)),
+                                    Variant::datum(kEvening),
+                                    Variant::integer(4),
+                                    Variant::text("90"),
+                                    Variant::boolesch(true),
+                                    Variant::null()};
+        for (std::size_t column = 0; column < std::size(expected); ++column)
+            EXPECT_EQ(added->feld(column), expected[column]) << column;
+    }
+    EXPECT_EQ(lineCount("Select Pos from Sendungen"), 635);
+}
+
+TEST_F(WritableFile, RecordsAreEditedWhereTheyStand) {
+    auto rs = database_->openRecordset("Select Titel,ID from Markierungen, Sendungen", {}, {});
+    EXPECT_EQ(fehlernummerVon([&] { rs->edit(); }), 3027);  // of two tables
+    rs = database_->openRecordset("Select Pos+1 as n,Sendung,Dauer,ID from Markierungen Order by ID", {}, {});
+    rs->moveNext();
+    rs->edit();
+    rs->setzeFeld("Sendung", Variant::text("Neu"));
+    EXPECT_EQ(fehlernummerVon([&] { rs->setzeFeld("n", Variant::lang(1)); }), 3164);
+    EXPECT_EQ(fehlernummerVon([&] { rs->setzeFeld("ID", Variant::lang(1)); }), 3164);
+    rs->update();
+    EXPECT_EQ(rs->feld("Sendung"), Variant::text("Neu"));
+    EXPECT_EQ(rs->feld("n"), Variant::lang(45));
+    EXPECT_EQ(fehlernummerVon([&] { rs->update(); }), 3020);
+    rs->moveNext();
+    EXPECT_EQ(rs->feld("Sendung"), Variant::text("Das große Wintergespräch: Folge 389"));
+    EXPECT_EQ(single("Select Sendung from Markierungen where ID=2"), Variant::text("Neu"));
+    EXPECT_EQ(lineCount("Select ID from Markierungen where Sendung='Neu'"), 1);
+}
+
+TEST_F(WritableFile, RecordsetsRefuseWhatTheyCannotSave) {
+    auto rs = adding("Select * from Sender");
+    EXPECT_EQ(fehlernummerVon([&] { rs->update(); }), 3020);
+    EXPECT_EQ(fehlernummerVon([&] { rs->setzeFeld("SortNr", Variant::lang(1)); }), 3020);
+    EXPECT_EQ(fehlernummerVon([&] { rows("Select * from Sender")->addNew(); }), 3027);
+    EXPECT_EQ(fehlernummerVon([&] { adding("Select Max(Pos) from Sendungen")->addNew(); }), 3027);
+    EXPECT_EQ(fehlernummerVon([&] { rs->edit(); }), 3021);
+    rs->addNew();
+    EXPECT_EQ(fehlernummerVon([&] { rs->setzeFeld("SortNr", Variant::text("eins")); }), 3421);
+    EXPECT_EQ(fehlernummerVon([&] { rs->setzeFeld("GueltigAb", Variant::text("bald")); }), 3421);
+    rs->setzeFeld("Gruppe", Variant::text(std::string(51, 'x')));
+    EXPECT_EQ(fehlernummerVon([&] { rs->update(); }), 3163);
+    rs->setzeFeld("Gruppe", Variant::text("x"));
+    rs->update();  // the record is still there
+    EXPECT_EQ(lineCount("Select * from Sender where Gruppe='x'"), 1);
+}
+
+TEST_F(WritableFile, AFailedUpdateCanBeRepeated) {
+    auto rs = adding("Select * from Sender");
+    rs->addNew();
+    rs->setzeFeld("Bezeichnung", Variant::text("Später"));
+    {
+        Connection other(path_, clock_);
+        const File::Writing lock(other.file());
+        EXPECT_EQ(fehlernummerVon([&] { rs->update(); }), 3260);
+        EXPECT_EQ(fehlernummerVon([&] { database_->execute("Delete from Sender", kFailOnError); }), 3260);
+        EXPECT_EQ(lineCount("Select * from Sender"), 8);
+    }
+    rs->update();
+    EXPECT_EQ(lineCount("Select * from Sender where Bezeichnung='Später'"), 1);
+}
+
+// Recordsets with more rows than are read ahead keep what they began with, whatever is written meanwhile.
+TEST_F(WritableFile, OpenRecordsetsKeepTheirState) {
+    write(fileBytes("tvdaten-gross.mdb"));
+    auto rs = rows("Select * from Sendungen");
+    database_->execute("Delete from Sendungen Where Pos>10", kFailOnError);
+    EXPECT_EQ(single("Select Count(*) from Sendungen"), Variant::lang(10));
+    database_->execute("Create Table Neu (a Long)", kFailOnError);
+    database_->execute("Insert Into Neu (a) Select Pos from Sendungen", kFailOnError);
+    EXPECT_EQ(single("Select Sum(a) from Neu"), Variant::lang(55));
+    int count = 0;
+    for (; !rs->eof(); rs->moveNext())
+        count += rs->feld("SenderKennung").istNull() ? 0 : 1;
+    EXPECT_EQ(count, 25228);
+    database_->close();
+    EXPECT_FALSE(std::filesystem::exists(path_ + "-journal"));
 }
 
 }  // namespace

@@ -49,7 +49,6 @@ MOMENTS = [
 ]
 CONFLICT = "(3464) Datentypkonflikt in Kriterienausdruck."
 NO_FROM = "(3131) Syntaxfehler in FROM-Klausel."
-NO_UPDATE = "(3027) Aktualisieren nicht möglich. Datenbank oder Objekt ist schreibgeschützt."
 NO_PATTERN = "(93) Ungültige Musterzeichenfolge."
 ARGUMENT = "(5) Ungültiger Prozeduraufruf oder ungültiges Argument"
 # Statement, and the beginning of what is said about it.
@@ -67,7 +66,6 @@ ERRORS = [
     ("Select from S", "(3141) Die SELECT-Anweisung"), ("Select a, from S", "(3141)"),
     ("Hallo", "(3129) Ungültige SQL-Anweisung"), ("", "(3129)"),
     ("Select a from S; Select b from S", "(3142) Zeichen gefunden nach Ende der SQL-Anweisung."),
-    ("Insert Into S (a) Values (1)", NO_UPDATE), ("Delete from S", NO_UPDATE), ("Update S Set a=1", NO_UPDATE),
     ("Select Nix, Nix2, nix from Sendungen", "(3061) Zu wenige Parameter. 2 erwartet."),
     ("Select * from Nix", "(3078) Die Eingangstabelle oder Abfrage 'Nix' wurde nicht gefunden. Stellen Sie sicher, dass "
      "sie existiert und dass der Name richtig eingegeben wurde."),

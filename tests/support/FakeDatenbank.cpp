@@ -62,15 +62,22 @@ class FakeRecordset : public Recordset {
     }
 
     Variant feld(std::size_t nummer) override {
+        if (neu_ && nummer == 0) return Variant::lang(zustand_->naechsterSchluessel);
         if (eof()) throw Fehler(3021, "FakeRecordset", "Kein aktueller Datensatz.");
         return tabelle_.zeilen[zeile_].at(nummer);
     }
 
-    void addNew() override {}
-    void setzeFeld(std::size_t, const Variant&) override {}
+    void addNew() override { neu_.emplace(); }
+    void edit() override {}
+    void setzeFeld(std::size_t nummer, const Variant& wert) override {
+        if (neu_) neu_->emplace_back(tabelle_.spalten.at(nummer), wert);
+    }
     void update() override {
         merke(zustand_, "update", "");
         stoereNachPlan(zustand_, "");
+        if (!neu_) return;
+        zustand_->gespeichert.push_back(*std::exchange(neu_, std::nullopt));
+        ++zustand_->naechsterSchluessel;
     }
 
     void close() override {
@@ -86,6 +93,7 @@ class FakeRecordset : public Recordset {
     Zustand zustand_;
     FakeTabelle tabelle_;
     std::size_t zeile_ = 0;
+    std::optional<std::vector<std::pair<std::string, Variant>>> neu_;
     bool geschlossen_ = false;
 };
 

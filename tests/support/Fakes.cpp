@@ -242,8 +242,9 @@ FakePorts::FakePorts() {
 }
 
 Ports FakePorts::ports() {
-    return {uhr,     dateien,    meldungen, fenster, klang,      prozesse,
-            starter, automation, symbol,    rechner, datenbanken};
+    Datenbankmaschinen& maschinen = echteDatenbanken ? *echteDatenbanken : datenbanken;
+    return {uhr,     dateien,    meldungen, fenster, klang,    prozesse,
+            starter, automation, symbol,    rechner, maschinen};
 }
 
 }  // namespace wendel

@@ -14,6 +14,7 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -331,6 +332,10 @@ struct FakeDatenbankzustand {
     std::function<void(const std::string& pfad)> beimOeffnen;
     std::function<void(const std::string& pfad)> beimReparieren;
     std::function<void(const std::string& quelle, const std::string& ziel)> beimKomprimieren;
+    // The key that the next new record is given in its first column.
+    std::int32_t naechsterSchluessel = 1;
+    // Records that update() has saved: the columns in the order in which they were set.
+    std::vector<std::vector<std::pair<std::string, Variant>>> gespeichert;
     // Runs before each statement and update: the place to let time pass.
     std::function<void(const std::string& sql)> vorAnweisung;
 
@@ -382,6 +387,8 @@ struct FakePorts {
     FakeSymbol symbol{&aufrufe};
     FakeRechner rechner{&aufrufe};
     FakeDatenbankmaschinen datenbanken{&aufrufe};
+    // A real engine in place of datenbanken; outlives what is made of the ports.
+    Datenbankmaschinen* echteDatenbanken = nullptr;
 };
 inline constexpr const char* kTestordner = "\\suite\\";
 

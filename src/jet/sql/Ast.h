@@ -75,6 +75,7 @@ struct InList {
     bool negated;
     ExprPtr value;
     std::vector<ExprPtr> items;
+    std::vector<std::int64_t> wholes{};  // the items that are whole numbers: there can be tens of thousands
 };
 struct InSelect {
     bool negated;
@@ -149,9 +150,79 @@ struct Select {
     std::vector<OrderItem> orderBy;
 };
 
-// One statement. Statements that change the database take their places beside Select here.
+struct Insert {
+    std::string table;
+    std::vector<std::string> columns;  // empty: all of the table, or those named as the select's
+    std::vector<ExprPtr> values;       // of one row; empty where there is a select
+    SelectPtr select;
+};
+struct Assignment {
+    ColumnRef column;
+    ExprPtr value;
+};
+struct Update {
+    std::vector<FromPtr> from;
+    std::vector<Assignment> assignments;
+    ExprPtr where;
+};
+struct Delete {
+    std::string table;  // the one whose rows go, where "t.*" names it
+    std::vector<FromPtr> from;
+    ExprPtr where;
+};
+
+// The column types by the names that definitions have for them. Counter is a Long that counts.
+enum class ColumnKind {
+    Counter,
+    YesNo,
+    Byte,
+    Short,
+    Long,
+    Currency,
+    Single,
+    Double,
+    DateTime,
+    Text,
+    Memo,
+    Binary,
+    LongBinary,
+    Guid,
+    Decimal
+};
+struct ColumnDefinition {
+    std::string name;
+    ColumnKind kind = ColumnKind::Text;
+    int size = 0;  // characters or bytes; precision of a Decimal
+    int scale = 0;
+    bool notNull = false;
+};
+struct IndexField {
+    std::string column;
+    bool descending = false;
+};
+struct IndexDefinition {
+    std::string name;
+    std::vector<IndexField> fields;
+    bool unique = false, primary = false, required = false, ignoreNulls = false;
+};
+struct CreateTable {
+    std::string table;
+    std::vector<ColumnDefinition> columns;
+    std::vector<IndexDefinition> indexes;
+};
+struct CreateIndex {
+    std::string table;
+    IndexDefinition index;
+};
+struct DropTable {
+    std::string table;
+};
+struct DropIndex {
+    std::string index, table;
+};
+
 struct Statement {
-    std::variant<SelectPtr> node;
+    std::variant<SelectPtr, Insert, Update, Delete, CreateTable, CreateIndex, DropTable, DropIndex> node;
 };
 
 }  // namespace wendel::jet::sql

@@ -403,6 +403,9 @@ Value StatementTranslator::inList(const InList& node, Context& context) {
     std::vector<Value> values;
     bool moments = isMoment(tested.type);
     bool currency = tested.type == JetType::Currency;
+    if (!node.wholes.empty() && isText(tested.type)) {
+        throw sqlError(kTypeMismatch);
+    }
     for (const ExprPtr& item : node.items) {
         values.push_back(value(*item, context));
         const JetType type = values.back().type;
@@ -423,8 +426,16 @@ Value StatementTranslator::inList(const InList& node, Context& context) {
                       : tested.type == JetType::Guid ? atom(tested) + " COLLATE NOCASE"
                                                      : form(tested);
     sql += node.negated ? " NOT IN (" : " IN (";
-    for (std::size_t i = 0; i < values.size(); ++i) {
-        sql += (i ? "," : "") + form(values[i]);
+    const char* comma = "";
+    for (const Value& item : values) {
+        sql += comma + form(item);
+        comma = ",";
+    }
+    const bool plain = !moments && !currency;
+    for (const std::int64_t whole : node.wholes) {
+        sql += comma;
+        sql += plain ? wholeText(whole) : form(literal(WholeLiteral{whole}));
+        comma = ",";
     }
     return Value{sql + ")", JetType::Boolean, kLoose};
 }

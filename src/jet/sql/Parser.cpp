@@ -3,19 +3,12 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <deque>
 #include <utility>
 
-#include "jet/sql/Errors.h"
-#include "jet/sql/Lexer.h"
+#include "jet/sql/StatementParser.h"
 
 namespace wendel::jet::sql {
 namespace {
-
-// Both bounds together keep every walk over the tree within a small stack.
-constexpr int kMaxExpressionDepth = 120;
-constexpr int kMaxNesting = 60;  // brackets and prefixes, counted while parsing
-constexpr int kMaxSelectDepth = 10;
 
 constexpr std::array<std::string_view, 38> kReserved{
     "select", "from", "where",  "group",    "order",  "having", "inner",  "left",  "right", "outer",
@@ -27,9 +20,6 @@ bool isReserved(const Token& token) {
     return std::any_of(kReserved.begin(), kReserved.end(),
                        [&](std::string_view word) { return token.isKeyword(word); });
 }
-bool isName(const Token& token) {
-    return token.kind == TokenKind::Bracket || (token.kind == TokenKind::Name && !isReserved(token));
-}
 bool startsWithSelect(std::string_view text) {
     try {
         return Lexer(text).next().isKeyword("select");
@@ -38,84 +28,11 @@ bool startsWithSelect(std::string_view text) {
     }
 }
 
-class Parser {
-  public:
-    Parser(std::string_view text, int selectDepth) : lexer_(text), selectDepth_(selectDepth) {}
+}  // namespace
 
-    Statement statement();
-    // A whole text that is one select and nothing else: the inside of "[ select ... ]. as t".
-    SelectPtr wholeSelect();
-
-  private:
-    // Counts nesting while it lives.
-    class Level {
-      public:
-        Level(int& counter, int most) : counter_(counter) {
-            if (++counter_ > most) {
-                --counter_;
-                throw sqlError(kTooComplex);
-            }
-        }
-        ~Level() { --counter_; }
-        Level(const Level&) = delete;
-        Level& operator=(const Level&) = delete;
-
-      private:
-        int& counter_;
-    };
-
-    const Token& peek(std::size_t n = 0);
-    Token take();
-    bool takeKeyword(std::string_view word);
-    bool takeSymbol(std::string_view symbol);
-    void expectSymbol(std::string_view symbol, int error);
-    void expectKeyword(std::string_view word, int error);
-    [[noreturn]] void expressionError();
-
-    SelectPtr select();
-    void selectItems(Select& select);
-    SelectItem selectItem();
-    void fromClause(Select& select);
-    FromPtr joinedTables();
-    FromPtr tablePrimary();
-    FromPtr bracketedSelect();
-    FromPtr parenthesized();
-    std::string requiredAlias();
-    void groupByClause(Select& select);
-    void orderByClause(Select& select);
-
-    // Sets where an expression begins, for the text of its syntax error; then parses it.
-    ExprPtr expression();
-    ExprPtr impExpression();
-    ExprPtr orExpression();
-    ExprPtr andExpression();
-    ExprPtr notExpression();
-    ExprPtr comparison();
-    ExprPtr comparisonTail(ExprPtr left, bool& more);
-    ExprPtr inTail(ExprPtr value, bool negated);
-    ExprPtr concatenation();
-    ExprPtr sum();
-    ExprPtr modulus();
-    ExprPtr intQuotient();
-    ExprPtr product();
-    ExprPtr unary();
-    ExprPtr power();
-    ExprPtr primary();
-    ExprPtr nameOrCall();
-    ExprPtr call(std::string name);
-    ExprPtr parenthesizedExpression();
-
-    template <class Node>
-    ExprPtr make(Node node, int childDepth = 0);
-    ExprPtr binary(BinaryOp op, ExprPtr left, ExprPtr right);
-    ExprPtr logic(LogicOp op, std::vector<ExprPtr> operands);
-
-    Lexer lexer_;
-    std::deque<Token> ahead_;
-    std::size_t expressionBegin_ = 0;
-    int nesting_ = 0;
-    int selectDepth_;
-};
+bool isName(const Token& token) {
+    return token.kind == TokenKind::Bracket || (token.kind == TokenKind::Name && !isReserved(token));
+}
 
 // --- tokens ---
 
@@ -174,20 +91,30 @@ void Parser::expressionError() {
 // --- statements and clauses ---
 
 Statement Parser::statement() {
-    for (const auto word : {"insert", "update", "delete", "create", "drop", "alter"}) {
-        if (peek().isKeyword(word)) {
-            throw sqlError(kReadOnly);
-        }
-    }
-    if (!peek().isKeyword("select")) {
+    struct Kind {
+        std::string_view word;
+        int error;  // for text behind what could be read
+        Statement (*parse)(Parser&);
+    };
+    static constexpr std::array kKinds{
+        Kind{"select", kSelectSyntax, [](Parser& p) { return Statement{p.select()}; }},
+        Kind{"insert", kInsertSyntax, [](Parser& p) { return Statement{p.insertStatement()}; }},
+        Kind{"update", kUpdateSyntax, [](Parser& p) { return Statement{p.updateStatement()}; }},
+        Kind{"delete", kFromSyntax, [](Parser& p) { return Statement{p.deleteStatement()}; }},
+        Kind{"create", kCreateTableSyntax, [](Parser& p) { return p.createStatement(); }},
+        Kind{"drop", kDropSyntax, [](Parser& p) { return p.dropStatement(); }},
+    };
+    const auto kind =
+        std::find_if(kKinds.begin(), kKinds.end(), [&](const Kind& k) { return peek().isKeyword(k.word); });
+    if (kind == kKinds.end()) {
         throw sqlError(kNoStatement);
     }
-    Statement result{select()};
+    Statement result = kind->parse(*this);
     if (takeSymbol(";") && peek().kind != TokenKind::End) {
         throw sqlError(kTextAfterEnd);
     }
     if (peek().kind != TokenKind::End) {
-        throw sqlError(kSelectSyntax);
+        throw sqlError(kind->error);
     }
     return result;
 }
@@ -207,7 +134,7 @@ SelectPtr Parser::select() {
     result->distinct = takeKeyword("distinct");
     selectItems(*result);
     if (takeKeyword("from")) {
-        fromClause(*result);
+        result->from = fromClause();
     }
     if (takeKeyword("where")) {
         result->where = expression();
@@ -272,10 +199,12 @@ std::string Parser::requiredAlias() {
     return take().text;
 }
 
-void Parser::fromClause(Select& select) {
+std::vector<FromPtr> Parser::fromClause() {
+    std::vector<FromPtr> result;
     do {
-        select.from.push_back(joinedTables());
+        result.push_back(joinedTables());
     } while (takeSymbol(","));
+    return result;
 }
 
 FromPtr Parser::joinedTables() {
@@ -385,15 +314,11 @@ void Parser::orderByClause(Select& select) {
 
 // --- expressions, loosest operator first ---
 
+namespace {
+
 int depthOf(const ExprPtr& e) { return e ? e->depth : 0; }
 
-template <class Node>
-ExprPtr Parser::make(Node node, int childDepth) {
-    if (childDepth >= kMaxExpressionDepth) {
-        throw sqlError(kTooComplex);
-    }
-    return std::make_unique<Expr>(Expr{std::move(node), childDepth + 1});
-}
+}  // namespace
 
 ExprPtr Parser::binary(BinaryOp op, ExprPtr left, ExprPtr right) {
     const int depth = std::max(depthOf(left), depthOf(right));
@@ -528,14 +453,18 @@ ExprPtr Parser::inTail(ExprPtr value, bool negated) {
         expectSymbol(")", kExpressionSyntax);
         return make(InSelect{negated, std::move(value), std::move(inner)}, depth);
     }
-    std::vector<ExprPtr> items;
-    int depth = value->depth;
+    InList list{negated, std::move(value), {}};
+    int depth = list.value->depth;
     do {
-        items.push_back(expression());
-        depth = std::max(depth, items.back()->depth);
+        if (peek().kind == TokenKind::Whole && (peek(1).isSymbol(",") || peek(1).isSymbol(")"))) {
+            list.wholes.push_back(take().whole);
+        } else {
+            list.items.push_back(expression());
+            depth = std::max(depth, list.items.back()->depth);
+        }
     } while (takeSymbol(","));
     expectSymbol(")", kExpressionSyntax);
-    return make(InList{negated, std::move(value), std::move(items)}, depth);
+    return make(std::move(list), depth);
 }
 
 ExprPtr Parser::concatenation() {
@@ -610,7 +539,7 @@ ExprPtr Parser::power() {
 }
 
 // x 10 000 as a whole number, where that is exact.
-std::optional<std::int64_t> tenThousandths(double value) {
+static std::optional<std::int64_t> tenThousandths(double value) {
     const double scaled = std::round(value * 10000.0);
     if (std::abs(scaled) >= 9e15 || scaled / 10000.0 != value) {
         return std::nullopt;
@@ -704,8 +633,6 @@ ExprPtr Parser::call(std::string name) {
     expectSymbol(")", kExpressionSyntax);
     return make(std::move(result), depth);
 }
-
-}  // namespace
 
 Statement parse(std::string_view text) { return Parser(text, 0).statement(); }
 

@@ -1,11 +1,13 @@
 #pragma once
 // The class behind translate(), for the files that share its work: Translator.cpp the statement and its
-// clauses, Expressions.cpp what stands in them, Calls.cpp the functions. Nobody else includes this.
+// clauses, Changes.cpp what writes, Expressions.cpp what stands in them, Calls.cpp the functions. Nobody else
+// includes this.
 
 #include <cstddef>
 #include <optional>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "jet/sql/Translator.h"
@@ -23,7 +25,8 @@ struct Source {
     std::string alias;  // in the SQL
     std::vector<SchemaColumn> columns;
     bool isTable = false;
-    std::string sql;  // what stands in the From clause for it
+    std::string table;  // its name in the file, where it is one
+    std::string sql;    // what stands in the From clause for it
 };
 struct Scope {
     const Scope* outer = nullptr;
@@ -34,13 +37,19 @@ struct Scope {
 struct SelectSql {
     std::string sql;
     std::vector<SchemaColumn> columns;
+    // As in Translation; filled where the identity of the rows was wanted and they have one.
+    std::string table{};
+    std::vector<std::optional<std::size_t>> tableColumns{};
 };
 
 class StatementTranslator {
   public:
     StatementTranslator(Schema& schema, Datum jetzt) : schema_(schema), jetzt_(jetzt) {}
 
-    Translation statement(const Statement& statement);
+    Translation translated(const Select& whole);
+    Change change(const Insert& insert);
+    Change change(const Update& update);
+    Change change(const Delete& deletion);
 
   private:
     struct Item {
@@ -60,8 +69,15 @@ class StatementTranslator {
 
     // inner: the result is compared again outside, and its columns keep their collation.
     SelectSql select(const Select& select, const Context* outer, bool inner);
+    std::string fromAndWhere(const std::vector<FromPtr>& tables, const ExprPtr& where, Context& context);
     std::string from(const FromItem& item, Context& context, std::size_t& source);
     std::string bracketedJoin(const FromItem& item, Context& context, std::size_t& source);
+    static std::optional<std::size_t> columnOf(const Source& source, const Value& value);
+    void requireKnownNames() const;
+    Change insertedSelect(const Insert& insert, const SchemaTable& table);
+    Change insertedValues(const Insert& insert, const SchemaTable& table);
+    std::optional<std::pair<std::size_t, std::size_t>> assigned(const ColumnRef& column,
+                                                                const Context& context);
     void collectSources(const FromItem& item, Context& context);
     std::vector<Item> items(const Select& select, Context& context);
     void addStar(const Source& source, std::vector<Item>& items);
@@ -108,7 +124,8 @@ class StatementTranslator {
     Schema& schema_;
     Datum jetzt_;
     int aliases_ = 0;
-    std::size_t written_ = 0;  // bytes of SQL, pieces of pieces included
+    bool identityWanted_ = false;  // for the select that is begun next
+    std::size_t written_ = 0;      // bytes of SQL, pieces of pieces included
     std::set<std::string> unknownNames_;
 };
 

@@ -7,12 +7,13 @@
 
 namespace wendel::jet::sql {
 
-Translation StatementTranslator::statement(const Statement& statement) {
-    const SelectSql result = select(*std::get<SelectPtr>(statement.node), nullptr, false);
-    if (!unknownNames_.empty()) {
-        throw sqlError(kTooFewParameters, std::to_string(unknownNames_.size()));
-    }
-    Translation translation{result.sql, {}};
+Translation StatementTranslator::translated(const Select& whole) {
+    const bool plain = !whole.distinct && whole.groupBy.empty() && !whole.having && whole.from.size() == 1;
+    identityWanted_ = plain && std::holds_alternative<TableName>(whole.from[0]->node);
+    SelectSql result = select(whole, nullptr, false);
+    requireKnownNames();
+    Translation translation{
+        std::move(result.sql), {}, std::move(result.table), std::move(result.tableColumns)};
     for (const SchemaColumn& column : result.columns) {
         const JetType type = column.type == JetType::DaySum ? JetType::Double : column.type;
         translation.columns.push_back({column.name, type});
@@ -20,7 +21,15 @@ Translation StatementTranslator::statement(const Statement& statement) {
     return translation;
 }
 
+// An unknown name is a parameter that nobody fills in.
+void StatementTranslator::requireKnownNames() const {
+    if (!unknownNames_.empty()) {
+        throw sqlError(kTooFewParameters, std::to_string(unknownNames_.size()));
+    }
+}
+
 SelectSql StatementTranslator::select(const Select& select, const Context* outer, bool inner) {
+    const bool identityWanted = std::exchange(identityWanted_, false);
     Context context;
     context.scope.outer = outer ? &outer->scope : nullptr;
     for (const FromPtr& item : select.from) {
@@ -33,15 +42,15 @@ SelectSql StatementTranslator::select(const Select& select, const Context* outer
         sql += (i ? "," : "") + finished(selected[i], select.distinct || inner) + " AS c" + std::to_string(i);
         result.columns.push_back({selected[i].name, selected[i].value.type});
     }
-    context.aggregatesAllowed = false;
-    std::size_t source = 0;
-    for (std::size_t i = 0; i < select.from.size(); ++i) {
-        sql += i ? "," : " FROM ";
-        sql += i ? bracketedJoin(*select.from[i], context, source) : from(*select.from[i], context, source);
+    if (identityWanted && !context.hasAggregate) {
+        const Source& source = context.scope.sources[0];
+        sql += "," + source.alias + ".rowid";
+        result.table = source.table;
+        for (const Item& item : selected) {
+            result.tableColumns.push_back(columnOf(source, item.value));
+        }
     }
-    if (select.where) {
-        sql += " WHERE " + condition(*select.where, context);
-    }
+    sql += fromAndWhere(select.from, select.where, context);
     for (std::size_t i = 0; i < select.groupBy.size(); ++i) {
         sql += (i ? "," : " GROUP BY ") + collated(value(*select.groupBy[i], context));
     }
@@ -55,6 +64,32 @@ SelectSql StatementTranslator::select(const Select& select, const Context* outer
     }
     result.sql = std::move(sql);
     return result;
+}
+
+// The column of the table that a value is, if it is one as it stands.
+std::optional<std::size_t> StatementTranslator::columnOf(const Source& source, const Value& value) {
+    for (std::size_t i = 0; value.tableColumn && i < source.columns.size(); ++i) {
+        if (value.sql == source.alias + ".c" + std::to_string(i)) {
+            return i;
+        }
+    }
+    return std::nullopt;
+}
+
+// With the sources that collectSources has found.
+std::string StatementTranslator::fromAndWhere(const std::vector<FromPtr>& tables, const ExprPtr& where,
+                                              Context& context) {
+    context.aggregatesAllowed = false;
+    std::string sql;
+    std::size_t source = 0;
+    for (std::size_t i = 0; i < tables.size(); ++i) {
+        sql += i ? "," : " FROM ";
+        sql += i ? bracketedJoin(*tables[i], context, source) : from(*tables[i], context, source);
+    }
+    if (where) {
+        sql += " WHERE " + condition(*where, context);
+    }
+    return sql;
 }
 
 // The sources are taken in the order in which collectSources found them.
@@ -96,6 +131,7 @@ void StatementTranslator::collectSources(const FromItem& item, Context& context)
         source.name = name->alias.empty() ? name->name : name->alias;
         source.columns = table->columns;
         source.isTable = true;
+        source.table = table->name;
         source.sql = quotedName(table->sqlName) + " AS " + source.alias;
     } else {
         const DerivedTable& derived = std::get<DerivedTable>(item.node);
@@ -274,8 +310,20 @@ void StatementTranslator::checkGrouped(const Expr& expr, const std::set<std::str
     }
 }
 
-Translation translate(const Statement& statement, Schema& schema, Datum jetzt) {
-    return StatementTranslator(schema, jetzt).statement(statement);
+Translation translate(const Select& select, Schema& schema, Datum jetzt) {
+    return StatementTranslator(schema, jetzt).translated(select);
+}
+
+Change translate(const Insert& insert, Schema& schema, Datum jetzt) {
+    return StatementTranslator(schema, jetzt).change(insert);
+}
+
+Change translate(const Update& update, Schema& schema, Datum jetzt) {
+    return StatementTranslator(schema, jetzt).change(update);
+}
+
+Change translate(const Delete& deletion, Schema& schema, Datum jetzt) {
+    return StatementTranslator(schema, jetzt).change(deletion);
 }
 
 }  // namespace wendel::jet::sql

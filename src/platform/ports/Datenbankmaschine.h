@@ -25,16 +25,25 @@ class Recordset {
     virtual Variant feld(std::size_t nummer) = 0;
     Variant feld(const std::string& name) { return feld(feldnummer(name)); }
 
+    // Begins a new record, or the change of the current one; update() saves it. Until then feld() shows the
+    // record that is being made, with the key that the database has given it. What is not saved is dropped by
+    // the next addNew(), edit(), moveNext() or close(). Throws Fehler 3027 for rows that cannot be changed.
     virtual void addNew() = 0;
+    virtual void edit() = 0;
+    // Throws Fehler 3421 for a value that the column cannot take, 3020 without addNew() or edit().
     virtual void setzeFeld(std::size_t nummer, const Variant& wert) = 0;
+    void setzeFeld(const std::string& name, const Variant& wert) { setzeFeld(feldnummer(name), wert); }
+    // A failed one keeps the record, so that it can be called again.
     virtual void update() = 0;
 
     virtual void close() = 0;
 };
 
-// The type and options of OpenRecordset: only the combinations that the access layer's contract names are
-// used.
+// The type and options of OpenRecordset. Rows can be added and changed where the type is a dynaset or left out;
+// with kAppendOnly no row is read.
+inline constexpr int kDynaset = 2;
 inline constexpr int kSnapshot = 4;
+inline constexpr int kAppendOnly = 8;
 inline constexpr int kForwardOnly = 256;
 inline constexpr int kFailOnError = 128;
 
