@@ -1,0 +1,303 @@
+// Several processes, or Files, on one database: who waits for whom and how long, what each sees, and what is
+// left beside the file.
+
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <csignal>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "jet/storage/Bytes.h"
+#include "jet/storage/File.h"
+#include "jet/storage/ReplacingLock.h"
+#include "jet/storage/SampleFile.h"
+#include "jet/storage/TestFiles.h"
+#include "platform/Fehler.h"
+#include "support/Fehlernummer.h"
+
+namespace wendel::jet {
+namespace {
+
+namespace fs = std::filesystem;
+using Clock = std::chrono::steady_clock;
+using namespace std::chrono_literals;
+
+std::uint32_t number(File& file) { return loadU32(file.page(3)->data()); }
+
+void write(File& file, std::uint32_t value) {
+    File::Writing writing(file);
+    storeU32(file.edit(3)->data(), value);
+    writing.commit(Durability::kSoon);
+}
+
+// Another process: does its work, says so, and ends when it is told to, or is killed.
+class Neighbour {
+  public:
+    explicit Neighbour(const std::function<void(const std::function<void()>& pause)>& work) {
+        if (::pipe(ready_) != 0 || ::pipe(go_) != 0) throw std::runtime_error("no pipe");
+        child_ = ::fork();
+        if (child_ != 0) {
+            ::close(ready_[1]);
+            char byte;
+            EXPECT_EQ(::read(ready_[0], &byte, 1), 1);
+            return;
+        }
+        ::close(go_[1]);
+        work([this] {
+            char byte = '.';
+            if (::write(ready_[1], &byte, 1) == 1) [[maybe_unused]]
+                const auto n = ::read(go_[0], &byte, 1);
+        });
+        ::_exit(0);
+    }
+    ~Neighbour() { end(); }
+    void kill() {
+        ::kill(child_, SIGKILL);
+        end();
+    }
+    void end() {
+        if (child_ == 0) return;
+        ::close(go_[1]);
+        ::close(go_[0]);
+        ::close(ready_[0]);
+        ::waitpid(std::exchange(child_, 0), nullptr, 0);
+    }
+
+  private:
+    int ready_[2], go_[2];
+    pid_t child_ = 0;
+};
+
+class LockTest : public testing::Test {
+  protected:
+    LockTest() {
+        copy_.write(test::sampleFile(6));
+        File file(copy_.path(), Access::kReadWrite);
+        write(file, 1);
+    }
+    // While it lives the last state is known to be of our own making, however new it is.
+    std::unique_ptr<File> witness() {
+        auto file = std::make_unique<File>(path(), Access::kReadWrite);
+        write(*file, 2);
+        write(*file, 1);
+        EXPECT_TRUE(file->checkpoint());
+        return file;
+    }
+    std::size_t entries() const {
+        return static_cast<std::size_t>(std::distance(fs::directory_iterator(copy_.folder()), {}));
+    }
+    File open() const { return File(copy_.path(), Access::kReadWrite); }
+    const std::string& path() const { return copy_.path(); }
+
+    test::TemporaryCopy copy_;
+};
+
+TEST_F(LockTest, AWriterWaitsASecondAndNamesTheOther) {
+    std::string computer(256, '\0');
+    ::gethostname(computer.data(), computer.size());
+    computer = computer.substr(0, std::min<std::size_t>(computer.find('\0'), 31));
+    const auto witnessed = witness();
+    Neighbour neighbour([&](const auto& pause) {
+        File file = open();
+        const File::Writing writing(file);
+        storeU32(file.edit(3)->data(), 99);
+        pause();
+    });
+    File file = open();
+    const auto start = Clock::now();
+    try {
+        write(file, 2);
+        FAIL() << "two writers";
+    } catch (const Fehler& failure) {
+        EXPECT_EQ(failure.nummer(), 3260);
+        EXPECT_EQ(failure.beschreibung(),
+                  "Aktualisieren nicht möglich; momentane Sperrung durch Benutzer 'Admin' "
+                  "auf Computer '" +
+                      computer + "'.");
+    }
+    EXPECT_GE(Clock::now() - start, 1s);
+    EXPECT_LT(Clock::now() - start, 3s);
+    EXPECT_EQ(number(file), 1u);
+    neighbour.kill();  // and with it its lock and its statement
+    write(file, 2);
+    EXPECT_FALSE(file.changed());
+    EXPECT_EQ(number(file), 2u);
+}
+
+TEST_F(LockTest, AReaderKeepsItsStateWhileOthersWrite) {
+    const auto witnessed = witness();
+    File reader = open(), writer = open();
+    auto reading = std::make_unique<File::Reading>(reader);
+    EXPECT_FALSE(reader.changed());
+    write(writer, 2);
+    EXPECT_FALSE(writer.changed());
+    EXPECT_TRUE(reader.changed());
+    EXPECT_EQ(number(reader), 1u);
+    EXPECT_EQ(fehlernummerVon([&] { write(reader, 3); }), 3260);  // its pages are of yesterday
+    EXPECT_FALSE(writer.checkpoint());
+    reading.reset();
+    EXPECT_TRUE(writer.checkpoint());
+    EXPECT_FALSE(writer.changed());
+    EXPECT_TRUE(reader.changed());
+    EXPECT_EQ(loadU32(reinterpret_cast<const std::uint8_t*>(test::readFile(path()).data()) + 3 * 4096), 2u);
+}
+
+TEST_F(LockTest, WhatChangesNothingIsNoChange) {
+    const auto witnessed = witness();
+    File other = open(), file = open();
+    {
+        const File::Writing writing(file);
+        storeU32(file.edit(3)->data(), 7);
+    }
+    {
+        File::Writing writing(file);
+        file.edit(3);
+        writing.commit(Durability::kSoon);
+    }
+    {
+        File::Writing writing(file);
+        storeU32(file.edit(file.appendPage())->data(), 7);
+    }
+    EXPECT_EQ(number(file), 1u);
+    EXPECT_EQ(file.pageCount(), 6u);
+    EXPECT_FALSE(other.changed());
+    EXPECT_FALSE(file.changed());
+}
+
+TEST_F(LockTest, ACheckpointKeepsReadersOutForASecondAtMost) {
+    Neighbour neighbour([&](const auto& pause) {
+        const OpenedFile opened = openFile(path(), true);
+        FileLocks(opened.fd).tryExclusive(LockPlace::kReaders);
+        pause();
+    });
+    const auto start = Clock::now();
+    EXPECT_EQ(fehlernummerVon([&] { open(); }), 3050);
+    EXPECT_GE(Clock::now() - start, 1s);
+}
+
+TEST_F(LockTest, TheLastUserTakesAwayWhatWasBesideTheFile) {
+    const std::string list = path().substr(0, path().size() - 3) + "ldb";
+    auto first = std::make_unique<File>(path(), Access::kReadWrite);
+    EXPECT_EQ(entries(), 2u);
+    {
+        File second = open();
+        EXPECT_EQ(test::readFile(list).size(), 128u);
+        EXPECT_EQ(test::readFile(list).substr(32, 6), std::string("Admin\0", 6));
+        write(second, 2);
+    }
+    EXPECT_EQ(entries(), 3u);
+    { const File reader(path(), Access::kReadOnly); }
+    first.reset();
+    EXPECT_EQ(entries(), 1u);
+    {
+        Neighbour([&](const auto& pause) {
+            File file = open();
+            write(file, 3);
+            pause();
+        }).kill();
+    }
+    EXPECT_EQ(entries(), 3u);
+    {
+        File file = open();
+        EXPECT_EQ(number(file), 3u);
+    }
+    EXPECT_EQ(entries(), 1u);
+}
+
+// As somebody without rights: the superuser may write everywhere.
+TEST_F(LockTest, AReadOnlyFolderIsReadThroughItsJournal) {
+    {
+        Neighbour([&](const auto& pause) {
+            File file = open();
+            write(file, 2);
+            pause();
+        }).kill();
+    }
+    for (const auto& entry : fs::directory_iterator(copy_.folder()))
+        fs::permissions(entry, fs::perms(0444));
+    fs::permissions(copy_.folder(), fs::perms(0555));
+    int result = 0;
+    const pid_t child = ::fork();
+    if (child == 0) {
+        if (::getuid() == 0 && ::setuid(65534) != 0) ::_exit(1);
+        {
+            File file = open();
+            result += number(file) == 2 ? 0 : 2;
+        }
+        {
+            File file = open();
+            result += fehlernummerVon([&] { write(file, 3); }) == 3027 ? 0 : 4;
+        }
+        ::_exit(result);
+    }
+    ::waitpid(child, &result, 0);
+    EXPECT_EQ(result, 0);
+    EXPECT_EQ(entries(), 3u);
+    fs::permissions(copy_.folder(), fs::perms(0755));
+}
+
+TEST_F(LockTest, WhoReplacesTheFileIsAloneAtFirst) {
+    auto file = std::make_unique<File>(path(), Access::kReadWrite);
+    EXPECT_EQ(fehlernummerVon([&] { ReplacingLock lock(path()); }), 3050);
+    {
+        Neighbour([&](const auto& pause) {
+            File other = open();
+            write(other, 5);
+            pause();
+        }).kill();
+    }
+    file.reset();
+    auto lock = std::make_unique<ReplacingLock>(path());
+    file = std::make_unique<File>(path(), Access::kReadWrite);
+    EXPECT_EQ(number(*file), 5u);
+    EXPECT_EQ(fehlernummerVon([&] { write(*file, 6); }), 3260);
+    fs::copy_file(path(), path() + ".neu");
+    fs::rename(path() + ".neu", path());
+    lock.reset();
+    EXPECT_TRUE(file->changed());
+    EXPECT_EQ(fehlernummerVon([&] { write(*file, 6); }), 3260);  // that would go into the old one
+    File newer = open();
+    write(newer, 7);
+    file.reset();
+    EXPECT_EQ(number(newer), 7u);
+}
+
+// Increments by two processes; each that was done counts.
+TEST_F(LockTest, NoUpdateIsLost) {
+    constexpr unsigned kEach = 300;
+    const auto work = [&](const std::function<void()>&) {
+        auto file = std::make_unique<File>(path(), Access::kReadWrite);
+        for (unsigned done = 0; done < kEach;) {
+            try {
+                File::Writing writing(*file);
+                if (!file->changed()) {
+                    storeU32(file->edit(3)->data(), number(*file) + 1);
+                    writing.commit(Durability::kSoon);
+                    ++done;
+                    continue;
+                }
+            } catch (const Fehler&) {
+                continue;
+            }
+            file = std::make_unique<File>(path(), Access::kReadWrite);
+            File::Reading reading(*file);
+        }
+    };
+    const pid_t child = ::fork();
+    if (child == 0) {
+        work([] {});
+        ::_exit(0);
+    }
+    work([] {});
+    ::waitpid(child, nullptr, 0);
+    File file = open();
+    EXPECT_EQ(number(file), 1 + 2 * kEach);
+}
+
+}  // namespace
+}  // namespace wendel::jet

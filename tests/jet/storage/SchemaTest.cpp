@@ -1,0 +1,358 @@
+// New databases, tables and indexes, and databases copied by compacting: as this engine and as other programs
+// read them.
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "jet/storage/Bytes.h"
+#include "jet/storage/Compact.h"
+#include "jet/storage/Schema.h"
+#include "jet/storage/TableDefWriter.h"
+#include "jet/storage/TableWriter.h"
+#include "jet/storage/TestFiles.h"
+#include "jet/storage/WholeFile.h"
+#include "support/Fehlernummer.h"
+
+namespace wendel::jet {
+namespace {
+
+namespace fs = std::filesystem;
+
+template <class Step>
+void change(const std::string& path, Step step) {
+    Database database(path, Access::kReadWrite);
+    File::Writing writing(database.file());
+    step(database);
+    writing.commit(Durability::kSoon);
+}
+
+std::size_t filesIn(const std::string& folder) {
+    return static_cast<std::size_t>(std::distance(fs::directory_iterator(folder), {}));
+}
+
+std::vector<ColumnSpec> everyType(Version version) {
+    std::vector<ColumnSpec> columns = {
+        {.name = "ID", .autonumber = true},
+        {.name = "Titel", .type = ColumnType::kText, .size = 50, .compressible = true},
+        {.name = "Mehr", .type = ColumnType::kMemo, .compressible = true},
+        {.name = "Bild", .type = ColumnType::kOle},
+        {.name = "Ja", .type = ColumnType::kBoolean},
+        {.name = "B", .type = ColumnType::kByte},
+        {.name = "I", .type = ColumnType::kInteger},
+        {.name = "C", .type = ColumnType::kCurrency},
+        {.name = "S", .type = ColumnType::kSingle},
+        {.name = "D", .type = ColumnType::kDouble},
+        {.name = "Datum", .type = ColumnType::kDate},
+        {.name = "Roh", .type = ColumnType::kBinary, .size = 20},
+        {.name = "G", .type = ColumnType::kGuid}};
+    if (version == Version::kJet4) {
+        columns.push_back({.name = "Z", .type = ColumnType::kDecimal, .precision = 12, .scale = 3});
+    }
+    return columns;
+}
+
+// Column and index definitions of the system tables, and the catalog's rows but for their dates.
+std::string systemTables(const std::string& path) {
+    Database database(path, Access::kReadOnly);
+    std::string text;
+    for (const std::uint32_t page : {2u, 3u, 4u, 5u}) {
+        const auto table = loadTableDef(database.file(), page, {});
+        for (const Column& c : table->columns) {
+            text += c.name + " " + std::to_string(static_cast<int>(c.type)) + " no " +
+                    std::to_string(c.number) + " flags " + std::to_string(c.flags) + " length " +
+                    std::to_string(c.length) +
+                    (c.fixed ? " at " + std::to_string(c.fixedOffset)
+                             : " var " + std::to_string(c.variableIndex)) +
+                    "\n";
+        }
+        for (const Index& index : table->indexes)
+            text += index.name + std::to_string(index.real) + std::to_string(index.number) +
+                    (index.primary ? " primary" : "") + (index.unique ? " unique" : "") +
+                    (index.ignoreNulls ? " ignoreNulls" : "") + (index.required ? " required\n" : "\n");
+    }
+    return text;
+}
+
+class VersionTest : public testing::TestWithParam<Version> {
+  protected:
+    void SetUp() override { createDatabaseFile(path(), GetParam()); }
+    const std::string& path() const { return copy_.path(); }
+    test::TemporaryCopy copy_;
+};
+INSTANTIATE_TEST_SUITE_P(Versions, VersionTest, testing::Values(Version::kJet3, Version::kJet4));
+
+TEST_P(VersionTest, NewFilesAreWhatTheEngineMakes) {
+    EXPECT_EQ(filesIn(copy_.folder()), 1u);
+    EXPECT_EQ(test::outputOf("mdb-tables -S '" + path() + "'"),
+              "MSysObjects MSysACEs MSysQueries MSysRelationships \n");
+    EXPECT_EQ(fehlernummerVon([&] { createDatabaseFile(path(), GetParam()); }), 3204);
+    EXPECT_EQ(fehlernummerVon([&] { createDatabaseFile(copy_.folder() + "/fehlt/a.mdb", GetParam()); }),
+              3044);
+    if (!test::haveData()) GTEST_SKIP() << "no example files at " << test::dataPath("");
+    const bool jet4 = GetParam() == Version::kJet4;
+    const std::string real = test::dataPath(jet4 ? "echte/adox_jet4.mdb" : "echte/common2V1997.mdb");
+    EXPECT_EQ(systemTables(path()), systemTables(real));
+    if (jet4) {
+        EXPECT_EQ(fs::file_size(path()), fs::file_size(real));
+        const auto objects = [](const std::string& file) {  // without the two dates, the owner follows them
+            return test::outputOf("mdb-export -D x -T x -b hex '" + file + "' MSysObjects");
+        };
+        EXPECT_EQ(objects(path()), objects(real));
+        const auto access = [](const std::string& file) {
+            return test::outputOf("mdb-export -b hex '" + file + "' MSysACEs");
+        };
+        EXPECT_EQ(access(path()), access(real));
+    }
+}
+
+TEST_P(VersionTest, TablesOfEveryTypeAreReadByOthers) {
+    const std::vector<ColumnSpec> columns = everyType(GetParam());
+    const std::vector<IndexSpec> indexes = {
+        {.name = "Titel", .columns = {{"Titel", false}, {"datum", true}}},
+        {.name = "PrimaryKey", .columns = {{"ID", false}}, .primary = true},
+        {.name = "Roh", .columns = {{"Roh", false}}, .unique = true, .ignoreNulls = true}};
+    change(path(), [&](Database& d) { createTable(d, "Prüf-Tabelle", columns, indexes); });
+    change(path(), [&](Database& d) {
+        const auto table = d.table("prüf-tabelle");
+        TableWriter writer(d.file(), table);
+        std::vector<Cell> cells(columns.size());
+        cells[1] = "Das Ü";
+        cells[10] = 41267.84375;
+        writer.insert(cells);
+    });
+    EXPECT_EQ(test::outputOf("mdb-export '" + path() + "' 'Prüf-Tabelle' | cut -d, -f1,2,5,11"),
+              "ID,Titel,Ja,Datum\n1,\"Das Ü\",0,\"12/24/12 20:15:00\"\n");
+    const std::string decimal = GetParam() == Version::kJet4 ? "[Z] Numeric (12 3) " : "";
+    EXPECT_EQ(test::outputOf("mdb-schema '" + path() + "' access | grep -P '^\\t' | tr -s '\\t,\\n' ' '"),
+              " [ID] Long Integer [Titel] Text (50) [Mehr] Memo/Hyperlink (255) [Bild] OLE (255) [Ja] "
+              "Boolean NOT NULL "
+              "[B] Byte [I] Integer [C] Currency [S] Single [D] Double [Datum] DateTime [Roh] Binary "
+              "[G] Replication ID " +
+                  decimal);
+    EXPECT_EQ(test::outputOf("mdb-schema --indexes '" + path() + "' postgres | grep -e INDEX -e KEY"),
+              "-- CREATE INDEXES ...\n"
+              "ALTER TABLE \"prüf-tabelle\" ADD CONSTRAINT \"prüf-tabelle_pkey\" PRIMARY KEY (\"id\");\n"
+              "CREATE UNIQUE INDEX \"prüf-tabelle_roh_idx\" ON \"prüf-tabelle\" (\"roh\");\n"
+              "CREATE INDEX \"prüf-tabelle_titel_idx\" ON \"prüf-tabelle\" (\"titel\", \"datum\" DESC);\n");
+    EXPECT_EQ(test::checkedIndexes(path()).size(), 3u);
+}
+
+// The widest table there can be; each index makes its definition longer, over page boundaries too.
+TEST_P(VersionTest, LargeDefinitionsGrowAndShrink) {
+    std::vector<ColumnSpec> columns;
+    for (int i = 0; i < 255; ++i)
+        columns.push_back(
+            {.name = "Eine recht lange Spalte " + std::to_string(i), .type = ColumnType::kText, .size = 9});
+    columns[0].type = ColumnType::kLong;
+    change(path(), [&](Database& d) { createTable(d, "Breit", columns, {}); });
+    change(path(), [&](Database& d) {
+        TableWriter writer(d.file(), d.table("Breit"));
+        std::vector<Cell> cells(columns.size());
+        for (std::int64_t i = 0; i < 300; ++i) {
+            cells[0] = i * 7919 % 300;
+            cells[254] = i % 2 == 0 ? Cell("gerade") : Cell();
+            writer.insert(cells);
+        }
+    });
+    const auto rows = test::allRows(path());
+    for (int i = 0; i < 32; ++i) {
+        const IndexSpec index{
+            .name = "Ein Index mit einem recht langen Namen " + std::to_string(i),
+            .columns = {{columns[i % 2 == 0 ? 0 : 254].name, i % 3 == 0}, {columns[5].name, false}},
+            .unique = i % 2 == 0,
+            .ignoreNulls = i % 2 != 0};
+        change(path(), [&](Database& d) { createIndex(d, "breit", index); });
+    }
+    EXPECT_EQ(test::checkedIndexes(path()).size(), 32u);
+    EXPECT_EQ(test::allRows(path()), rows);
+    const auto size = fs::file_size(path());
+    const auto empty = [&] {
+        change(path(), [&](Database& d) { dropTable(d, "BREIT"); });
+        EXPECT_EQ(test::outputOf("mdb-tables '" + path() + "'"), "\n");
+    };
+    for (int i = 31; i >= 16; i -= 2) {
+        const std::string name = "Ein Index mit einem recht langen Namen " + std::to_string(i);
+        change(path(), [&](Database& d) { dropIndex(d, "Breit", name); });
+    }
+    EXPECT_EQ(test::checkedIndexes(path()).size(), 24u);
+    empty();
+    change(path(), [&](Database& d) { createTable(d, "Breit", columns, {}); });
+    empty();
+    EXPECT_EQ(fs::file_size(path()), size) << "pages of what was dropped are used again";
+}
+
+TEST_P(VersionTest, WhatIsNotAllowedLeavesNothing) {
+    const ColumnSpec n{.name = "n"}, t{.name = "t", .type = ColumnType::kText, .size = 10},
+        ole{.name = "o", .type = ColumnType::kOle};
+    const IndexSpec key{.name = "PrimaryKey", .columns = {{"n", false}}, .primary = true};
+    change(path(), [&](Database& d) { createTable(d, "a", std::vector{n, t, ole}, std::span(&key, 1)); });
+    change(path(), [&](Database& d) {
+        TableWriter writer(d.file(), d.table("a"));
+        for (std::int64_t i = 0; i < 3; ++i)
+            writer.insert(std::vector<Cell>{i, i == 0 ? Cell() : Cell("Straße"), Cell()});
+    });
+    const auto table = [](const std::string& name, std::vector<ColumnSpec> columns) {
+        return [=](Database& d) { createTable(d, name, columns, {}); };
+    };
+    const auto index = [](const std::string& name, const IndexSpec& spec) {
+        return [=](Database& d) { createIndex(d, name, spec); };
+    };
+    const auto on = [](std::vector<std::pair<std::string, bool>> columns) {
+        return IndexSpec{.name = "i", .columns = std::move(columns)};
+    };
+    IndexSpec unique = on({{"t", false}}), required = unique, primary = unique;
+    unique.unique = required.required = primary.primary = true;
+    const ColumnSpec sizeless{.name = "t", .type = ColumnType::kText};
+    const struct {
+        const char* name;
+        std::function<void(Database&)> step;
+        int number;
+    } rows[] = {
+        {"table exists", table("A", {n}), 3010},
+        {"table of the catalog exists", table("msysaces", {n}), 3010},
+        {"no name", table("", {n}), 3125},
+        {"leading blank", table(" b", {n}), 3125},
+        {"dot in a column name", table("b", {{.name = "n.m"}}), 3125},
+        {"65 characters", table(std::string(65, 'x'), {n}), 3125},
+        {"brackets", table("[b]", {n}), 3126},
+        {"no columns", table("b", {}), 3190},
+        {"256 columns", table("b", std::vector<ColumnSpec>(256, n)), 3190},
+        {"column twice", table("b", {n, {.name = "N"}}), 3191},
+        {"text without length", table("b", {sizeless}), 3259},
+        {"two counting columns",
+         table("b", {{.name = "x", .autonumber = true}, {.name = "y", .autonumber = true}}), 3259},
+        {"index on a missing table", index("b", unique), 3371},
+        {"index exists", index("a", {.name = "PRIMARYKEY", .columns = {{"t", false}}}), 3284},
+        {"second primary key", index("a", {.name = "p", .columns = {{"t", false}}, .primary = true}), 3283},
+        {"unknown column", index("a", on({{"x", false}})), 3409},
+        {"no column", index("a", on({})), 3409},
+        {"column twice in an index", index("a", on({{"t", false}, {"T", true}})), 3409},
+        {"index on OLE", index("a", on({{"o", false}})), 3259},
+        {"eleven columns", index("a", on(std::vector(11, std::pair(std::string("n"), false)))), 3277},
+        {"rows not unique", index("a", unique), 3022},
+        {"rows with Null", index("a", required), 3314},
+        {"system table", [](Database& d) { dropTable(d, "MSysObjects"); }, 3112},
+        {"dropping nothing", [](Database& d) { dropTable(d, "b"); }, 3376},
+        {"dropping no index", [](Database& d) { dropIndex(d, "a", "b"); }, 3372},
+    };
+    const std::string before = test::readFile(path());
+    for (const auto& row : rows)
+        EXPECT_EQ(fehlernummerVon([&] { change(path(), row.step); }), row.number) << row.name;
+    EXPECT_TRUE(test::readFile(path()) == before);
+}
+
+class ForeignFileTest : public testing::TestWithParam<const char*> {
+  protected:
+    void SetUp() override {
+        if (!test::haveData()) GTEST_SKIP() << "no example files at " << test::dataPath("");
+        copy_.write(test::readFile(test::dataPath(GetParam())));
+    }
+    const std::string& path() const { return copy_.path(); }
+    test::TemporaryCopy copy_;
+};
+INSTANTIATE_TEST_SUITE_P(Files, ForeignFileTest,
+                         testing::Values("tvdaten-klein.mdb", "tvdaten-gross.mdb", "typen.mdb",
+                                         "echte/adox_jet4.mdb", "echte/overflowV2000.mdb",
+                                         "echte/common2V1997.mdb"));
+
+// Every table gets an index more, one of its own goes, and a table comes and goes.
+TEST_P(ForeignFileTest, TablesAndIndexesComeAndGo) {
+    const auto rows = test::allRows(path());
+    const auto indexes = test::checkedIndexes(path());
+    for (const auto& [name, ignored] : rows) {
+        change(path(), [&, n = name](Database& d) {
+            createIndex(d, n, {.name = "Neuer Index", .columns = {{d.table(n)->columns[0].name, true}}});
+        });
+    }
+    EXPECT_EQ(test::checkedIndexes(path()).size(), indexes.size() + rows.size());
+    const Version version = File(path(), Access::kReadOnly).version();
+    change(path(), [&](Database& d) { createTable(d, "Neue Tabelle", everyType(version), {}); });
+    EXPECT_EQ(test::allRows(path()).size(), rows.size() + 1);
+    for (const auto& [name, ignored] : rows)
+        change(path(), [&, n = name](Database& d) { dropIndex(d, n, "neuer index"); });
+    change(path(), [](Database& d) { dropTable(d, "Neue Tabelle"); });
+    EXPECT_EQ(test::allRows(path()), rows);
+    EXPECT_EQ(test::checkedIndexes(path()), indexes);
+    if (rows.empty()) return;
+    const std::string first = rows.begin()->first;
+    change(path(), [&](Database& d) { dropTable(d, first); });
+    auto others = rows;
+    others.erase(first);
+    EXPECT_EQ(test::allRows(path()), others);
+    test::checkedIndexes(path());
+}
+
+TEST_P(ForeignFileTest, CompactingKeepsAllAndTakesNoMoreRoom) {
+    const std::string compact = copy_.folder() + "/klein.mdb";
+    compactDatabaseFile(path(), compact);
+    EXPECT_EQ(test::allRows(compact), test::allRows(path()));
+    EXPECT_EQ(test::checkedIndexes(compact), test::checkedIndexes(path()));
+    EXPECT_LE(fs::file_size(compact), fs::file_size(path()));
+    EXPECT_EQ(test::readFile(compact).substr(0, 0x98), test::readFile(path()).substr(0, 0x98));
+    EXPECT_EQ(filesIn(copy_.folder()), 2u);
+    Database before(path(), Access::kReadOnly), after(compact, Access::kReadOnly);
+    for (const CatalogEntry& entry : before.entries()) {
+        if (entry.system) continue;
+        const auto table = after.table(entry.name);
+        EXPECT_EQ(table->lastAutonumber, before.table(entry.name)->lastAutonumber) << entry.name;
+        EXPECT_EQ(table->columns.size(), before.table(entry.name)->columns.size()) << entry.name;
+    }
+    EXPECT_EQ(fehlernummerVon([&] { compactDatabaseFile(path(), compact); }), 3204);
+}
+
+TEST(Compact, FailureLeavesNothing) {
+    const test::TemporaryCopy copy;
+    createDatabaseFile(copy.path(), Version::kJet4);
+    const ColumnSpec n{.name = "n"};
+    change(copy.path(), [&](Database& d) { createTable(d, "t", std::span(&n, 1), {}); });
+    std::string bytes = test::readFile(copy.path());
+    const std::uint32_t page = Database(copy.path(), Access::kReadOnly).table("t")->page;
+    bytes[page * 4096 + kJet4Layout.defColumns] = 99;
+    copy.write(bytes);
+    EXPECT_EQ(fehlernummerVon([&] { compactDatabaseFile(copy.path(), copy.folder() + "/neu.mdb"); }), 3049);
+    EXPECT_EQ(filesIn(copy.folder()), 1u);
+}
+
+// Two tables that refer to each other keep doing so when their pages change places.
+TEST(Compact, RelationsFollowTheirTables) {
+    const test::TemporaryCopy copy;
+    createDatabaseFile(copy.path(), Version::kJet4);
+    const ColumnSpec n{.name = "n"};
+    for (const char* name : {"weg", "a", "b"}) {
+        const IndexSpec index{.name = "i", .columns = {{"n", false}}};
+        change(copy.path(),
+               [&](Database& d) { createTable(d, name, std::span(&n, 1), std::span(&index, 1)); });
+    }
+    change(copy.path(), [&](Database& d) {
+        for (const auto& [name, other] : {std::pair("a", "b"), std::pair("b", "a")}) {
+            const auto table = d.table(name);
+            DefinitionParts parts = splitDefinition(d.file(), loadDefinitionBytes(d.file(), table->page));
+            addLogicalIndex(d.file().layout(), parts, "Beziehung", 0, kIndexKindForeign);
+            auto& block = parts.logicalIndexes.back().block;
+            storeU32(&block[kJet4Layout.logicalIndexOtherTable], d.table(other)->page);
+            storeU32(&block[kJet4Layout.logicalIndexOtherNumber], 1);
+            PageAllocator allocator(d.file());
+            storeDefinition(d.file(), allocator, table->definitionPages, parts);
+        }
+    });
+    change(copy.path(), [](Database& d) { dropTable(d, "weg"); });
+    EXPECT_EQ(fehlernummerVon([&] { change(copy.path(), [](Database& d) { dropTable(d, "a"); }); }), 3281);
+    EXPECT_EQ(
+        fehlernummerVon([&] { change(copy.path(), [](Database& d) { dropIndex(d, "a", "Beziehung"); }); }),
+        3281);
+    const std::string compact = copy.folder() + "/neu.mdb";
+    compactDatabaseFile(copy.path(), compact);
+    Database database(compact, Access::kReadOnly);
+    EXPECT_EQ(database.table("a")->findIndex("Beziehung")->relatedTable, database.table("b")->page);
+    EXPECT_EQ(database.table("b")->findIndex("Beziehung")->relatedTable, database.table("a")->page);
+    EXPECT_EQ(database.table("a")->findIndex("Beziehung")->number, 1u);
+    test::checkedIndexes(compact);
+}
+
+}  // namespace
+}  // namespace wendel::jet

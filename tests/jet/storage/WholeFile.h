@@ -1,0 +1,23 @@
+#pragma once
+// All rows and indexes of a database as text: to compare two files, and one file before and after.
+
+#include <map>
+#include <set>
+#include <string>
+
+#include "jet/storage/Catalog.h"
+
+namespace wendel::jet::test {
+
+using Rows = std::multiset<std::string>;
+
+// The user tables by name, each row as its cells between bars; long values only where asked for.
+std::map<std::string, Rows> allRows(const std::string& path, bool longValues = true);
+
+// Each index of the user tables as "table.index(columns) flags", and each tree checked against its rows.
+std::set<std::string> checkedIndexes(const std::string& path);
+
+// What the command prints; stderr is dropped.
+std::string outputOf(const std::string& command);
+
+}  // namespace wendel::jet::test

@@ -1,0 +1,517 @@
+// Rows written, changed and deleted in files of both versions, new and foreign ones. What was written is read
+// back by our reader and by mdb-export, and the whole file is checked after each step.
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstdio>
+#include <fstream>
+#include <functional>
+#include <map>
+#include <memory>
+#include <random>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "jet/storage/Bytes.h"
+#include "jet/storage/Catalog.h"
+#include "jet/storage/CellEncoder.h"
+#include "jet/storage/FileCheck.h"
+#include "jet/storage/ReadEverything.h"
+#include "jet/storage/Schema.h"
+#include "jet/storage/Table.h"
+#include "jet/storage/TableWriter.h"
+#include "jet/storage/TestFiles.h"
+#include "jet/storage/UsageMap.h"
+#include "jet/storage/UsageMapRows.h"
+#include "platform/Fehler.h"
+
+namespace wendel::jet {
+namespace {
+
+std::string shown(const Cell& cell) {
+    if (const auto* whole = std::get_if<std::int64_t>(&cell)) return std::to_string(*whole);
+    if (const auto* money = std::get_if<KeyCurrency>(&cell))
+        return std::to_string(money->tenThousandths) + "e-4";
+    if (const auto* text = std::get_if<std::string_view>(&cell)) return "'" + std::string(*text) + "'";
+    if (const auto* bytes = std::get_if<KeyBytes>(&cell)) return test::hex(bytes->bytes);
+    if (const auto* decimal = std::get_if<Decimal>(&cell)) return decimal->toText();
+    if (const auto* guid = std::get_if<Guid>(&cell)) return guidText(*guid);
+    std::array<char, 40> number{};
+    if (const auto* value = std::get_if<double>(&cell)) std::snprintf(number.data(), 40, "%.17g", *value);
+    return std::holds_alternative<double>(cell) ? number.data() : "Null";
+}
+
+using Row = std::vector<std::string>;
+
+Row shown(const RowView& row) {
+    Row cells;
+    for (std::size_t c = 0; c < row.table().columns.size(); ++c) {
+        std::string buffer;
+        cells.push_back(shown(test::keyValue(row, c, buffer)));
+    }
+    return cells;
+}
+
+std::map<RowId, Row> allRows(Database& database, const TableDef& table) {
+    std::map<RowId, Row> rows;
+    for (TableScan scan(database.file(), table); scan.next();)
+        rows[scan.row().id()] = shown(scan.row());
+    return rows;
+}
+
+// A file with one table that is written to.
+class Writable {
+  public:
+    Writable(Version version, const std::vector<ColumnSpec>& columns,
+             const std::vector<IndexSpec>& indexes = {}) {
+        createDatabaseFile(copy_.path(), version);
+        Database database(copy_.path(), Access::kReadWrite);
+        File::Writing writing(database.file());
+        createTable(database, "Tabelle", columns, indexes);
+        writing.commit(Durability::kSoon);
+        open("Tabelle");
+    }
+    Writable(const std::string& foreign, const std::string& table) {
+        copy_.write(test::readFile(test::dataPath(foreign)));
+        for (const std::string& line : findings())
+            known_.insert(line);
+        open(table);
+    }
+
+    void open(const std::string& table) {
+        writer_.reset();
+        database_ = std::make_unique<Database>(copy_.path(), Access::kReadWrite);
+        table_ = database_->table(table);
+        writer_ = std::make_unique<TableWriter>(database_->file(), table_);
+    }
+
+    // One statement; its error number, 0 for none.
+    int run(const std::function<void(TableWriter&)>& change) {
+        try {
+            File::Writing writing(database_->file());
+            change(*writer_);
+            writing.commit(Durability::kSoon);
+            return 0;
+        } catch (const Fehler& e) {
+            writer_->forget();
+            return e.nummer();
+        }
+    }
+    RowId insert(const std::vector<Cell>& cells) {
+        RowId id = 0;
+        EXPECT_EQ(run([&](TableWriter& writer) { id = writer.insert(cells); }), 0);
+        return id;
+    }
+    int update(RowId id, std::size_t column, const Cell& cell) {
+        return run([&](TableWriter& writer) { writer.update(id, std::array{column}, std::array{cell}); });
+    }
+
+    Database& database() { return *database_; }
+    File& file() { return database_->file(); }
+    const TableDef& table() const { return *table_; }
+    std::map<RowId, Row> rows() { return allRows(*database_, *table_); }
+    const std::string& path() const { return copy_.path(); }
+
+    // What the check of the whole file finds that it had not found in the foreign file.
+    std::vector<std::string> findings() const {
+        Database fresh(copy_.path(), Access::kReadOnly);
+        std::vector<std::string> lines = checkFile(fresh);
+        std::erase_if(lines, [this](const std::string& line) { return known_.contains(line); });
+        return lines;
+    }
+
+  private:
+    test::TemporaryCopy copy_;
+    std::set<std::string> known_;
+    std::unique_ptr<Database> database_;
+    std::shared_ptr<const TableDef> table_;
+    std::unique_ptr<TableWriter> writer_;
+};
+
+const std::vector<std::string> kSound;
+
+// Fields end with a unit separator, rows with a record separator.
+std::vector<std::string> mdbExport(const std::string& path, const std::string& table) {
+    const std::string command =
+        "mdb-export -H -Q -b hex -d '\x1f' -R '\x1e' -T '%Y-%m-%d %H:%M:%S' '" + path + "' '" + table + "'";
+    std::unique_ptr<FILE, int (*)(FILE*)> pipe(::popen(command.c_str(), "r"), ::pclose);
+    std::vector<std::string> rows(1);
+    for (int c; pipe && (c = std::fgetc(pipe.get())) != EOF;) {
+        if (c == '\x1e') {
+            rows.emplace_back();
+        } else {
+            rows.back() += static_cast<char>(c);
+        }
+    }
+    rows.pop_back();
+    return rows;
+}
+
+bool haveMdbExport() { return std::system("mdb-export --version >/dev/null 2>&1") == 0; }
+
+constexpr auto kLarge = std::int64_t{1} << 40;
+constexpr Guid kGuid = {0x02, 0x2D, 0x1A, 0xFB, 0x7F, 0xB9, 0xD8, 0x61,
+                        0x2C, 0xFB, 0xFF, 0xA4, 0xFB, 0x84, 0xFB, 0x79};
+constexpr Decimal kDecimal = {true, {0, 0, 1, 5}, 3};  // -4294967.301
+constexpr int kTooLong = 3163, kOverflow = 3349, kWrongKind = 3421;
+
+// What a column makes of a value: what our reader and mdb-export show, or the error number.
+struct ValueCase {
+    const char* name;
+    ColumnSpec column;
+    Cell cell;
+    std::string ours, theirs;
+    int error = 0;
+};
+const std::vector<ValueCase> kValueCases = {
+    {"no", {"c", ColumnType::kBoolean}, std::int64_t{0}, "0", "0"},
+    {"yes", {"c", ColumnType::kBoolean}, std::int64_t{-1}, "-1", "1"},
+    {"Null is no", {"c", ColumnType::kBoolean}, {}, "0", "0"},
+    {"largest byte", {"c", ColumnType::kByte}, std::int64_t{255}, "255", "255"},
+    {"byte too large", {"c", ColumnType::kByte}, std::int64_t{256}, "", "", kOverflow},
+    {"byte below zero", {"c", ColumnType::kByte}, -0.6, "", "", kOverflow},
+    {"half to even", {"c", ColumnType::kInteger}, 2.5, "2", "2"},
+    {"lowest integer", {"c", ColumnType::kInteger}, std::int64_t{-32768}, "-32768", "-32768"},
+    {"integer too large", {"c", ColumnType::kInteger}, 32767.5, "", "", kOverflow},
+    {"lowest long", {"c", ColumnType::kLong}, std::int64_t{INT32_MIN}, "-2147483648", "-2147483648"},
+    {"long too large", {"c", ColumnType::kLong}, std::int64_t{1} << 31, "", "", kOverflow},
+    {"money into long", {"c", ColumnType::kLong}, KeyCurrency{15000}, "2", "2"},
+    {"text into long", {"c", ColumnType::kLong}, "1", "", "", kWrongKind},
+    {"money", {"c", ColumnType::kCurrency}, KeyCurrency{-1}, "-1e-4", "-0.0001"},
+    {"number into money", {"c", ColumnType::kCurrency}, 0.1, "1000e-4", "0.1000"},
+    {"money too large", {"c", ColumnType::kCurrency}, 1e15, "", "", kOverflow},
+    {"single", {"c", ColumnType::kSingle}, 0.5, "0.5", "0.5"},
+    {"single too large", {"c", ColumnType::kSingle}, 1e39, "", "", kOverflow},
+    {"double", {"c", ColumnType::kDouble}, -1.25e100, "-1.25e+100", "-1.25e+100"},
+    {"infinite", {"c", ColumnType::kDouble}, 1e308 * 10, "", "", kOverflow},
+    {"date", {"c", ColumnType::kDate}, 41267.84375, "41267.84375", "2012-12-24 20:15:00"},
+    {"date too late", {"c", ColumnType::kDate}, 2958466.0, "", "", kOverflow},
+    {"bytes", {"c", ColumnType::kBinary, 3}, KeyBytes{"\x01\xFFz"}, "01ff7a", "01FF7A"},
+    {"too many bytes", {"c", ColumnType::kBinary, 3}, KeyBytes{"1234"}, "", "", kTooLong},
+    {"GUID", {"c", ColumnType::kGuid}, kGuid, "{022D1AFB-7FB9-D861-2CFB-FFA4FB84FB79}", ""},
+    {"empty text", {"c", ColumnType::kText, 5}, "", "''", ""},
+    {"two characters", {"c", ColumnType::kText, 5, false, true}, "\u00e4b", "'\u00e4b'", "\u00e4b"},
+    {"compressed", {"c", ColumnType::kText, 5, false, true}, "\u00e4bcde", "'\u00e4bcde'", "\u00e4bcde"},
+    {"not compressed", {"c", ColumnType::kText, 5}, "\u00e4bcde", "'\u00e4bcde'", "\u00e4bcde"},
+    {"euro sign", {"c", ColumnType::kText, 5, false, true}, "12 \u20ac", "'12 \u20ac'", "12 \u20ac"},
+    {"text too long", {"c", ColumnType::kText, 5}, "123456", "", "", kTooLong},
+    {"number into text", {"c", ColumnType::kText, 5}, std::int64_t{1}, "", "", kWrongKind},
+    {"decimal",
+     {"c", ColumnType::kDecimal, 0, false, false, 12, 3},
+     kDecimal,
+     "-4294967.301",
+     "-4294967.301"},
+    {"rounded", {"c", ColumnType::kDecimal, 0, false, false, 12, 1}, 0.25, "0.2", "0.2"},
+    {"digits", {"c", ColumnType::kDecimal, 0, false, false, 12, 3}, kLarge, "", "", kOverflow},
+};
+const std::vector<ValueCase> kJet4Cases = {
+    {"beyond", {"c", ColumnType::kText, 2}, "\U0001F600", "'\U0001F600'", ""},
+    {"half of it", {"c", ColumnType::kText, 1}, "\U0001F600", "", "", kTooLong},
+    {"low byte zero", {"c", ColumnType::kText, 9, false, true}, "abc\u0100", "'abc\u0100'", "abc\u0100"},
+    {"mark", {"c", ColumnType::kText, 9}, "\uFEFFabc", "'abc'", "abc"},
+};
+const std::vector<ValueCase> kJet3Cases = {
+    {"lacking", {"c", ColumnType::kText, 4}, "a\u0100b\u20ac", "'a?b\u20ac'", "a?b\u20ac"},
+};
+
+class WritingTest : public testing::TestWithParam<Version> {};
+INSTANTIATE_TEST_SUITE_P(Versions, WritingTest, testing::Values(Version::kJet4, Version::kJet3),
+                         [](const auto& version) {
+                             return version.param == Version::kJet4 ? "Jet4" : "Jet3";
+                         });
+
+// One table with a column for each case, and a row in which only that column is not Null.
+TEST_P(WritingTest, ValuesReadBackAsTheColumnHoldsThem) {
+    std::vector<ValueCase> cases = kValueCases;
+    const auto& more = GetParam() == Version::kJet4 ? kJet4Cases : kJet3Cases;
+    cases.insert(cases.end(), more.begin(), more.end());
+    if (GetParam() == Version::kJet3) {
+        std::erase_if(cases, [](const ValueCase& c) { return c.column.type == ColumnType::kDecimal; });
+    }
+    std::vector<ColumnSpec> columns = {{"Id", ColumnType::kLong, 0, true}};
+    for (std::size_t i = 0; i < cases.size(); ++i) {
+        columns.push_back(cases[i].column);
+        columns.back().name += std::to_string(i);
+    }
+    Writable written(GetParam(), columns);
+    std::vector<const ValueCase*> good;
+    for (std::size_t i = 0; i < cases.size(); ++i) {
+        SCOPED_TRACE(cases[i].name);
+        std::vector<Cell> cells(columns.size());
+        cells[i + 1] = cases[i].cell;
+        RowId id = 0;
+        EXPECT_EQ(written.run([&](TableWriter& writer) { id = writer.insert(cells); }), cases[i].error);
+        if (cases[i].error != 0) continue;
+        EXPECT_EQ(written.rows()[id][i + 1], cases[i].ours);
+        good.push_back(&cases[i]);
+    }
+    EXPECT_EQ(written.rows().size(), good.size());
+    EXPECT_EQ(written.findings(), kSound);
+    if (!haveMdbExport()) GTEST_SKIP() << "mdb-export is not installed";
+    ASSERT_TRUE(written.file().checkpoint());
+    const std::vector<std::string> exported = mdbExport(written.path(), "Tabelle");
+    ASSERT_EQ(exported.size(), good.size());
+    for (std::size_t i = 0; i < good.size(); ++i) {
+        if (good[i]->theirs.empty()) continue;  // what that program cannot show
+        EXPECT_NE(("\x1f" + exported[i] + "\x1f").find("\x1f" + good[i]->theirs + "\x1f"), std::string::npos)
+            << good[i]->name << ": " << exported[i];
+    }
+}
+
+// Stored bytes around each limit: in the row, on a shared page, in chains of one, two and three parts.
+TEST_P(WritingTest, LongValuesOfEverySizeComeBackAndGoWithTheirRows) {
+    Writable written(GetParam(), {{"M", ColumnType::kMemo}, {"O", ColumnType::kOle}});
+    const std::uint32_t pages = written.file().pageCount();
+    std::map<RowId, Row> expected;
+    for (const std::size_t size : {0,    1,    63,   64,   65,   1024, 2031, 2032, 2033, 2034, 4063, 4064,
+                                   4065, 4072, 4073, 4076, 4077, 4078, 8143, 8144, 8145, 8146, 70000}) {
+        const std::string bytes(size, 'x');
+        // Two stored bytes for each character in Jet 4.
+        const std::string text((GetParam() == Version::kJet4 ? size / 2 : size), 'y');
+        const RowId id = written.insert({text, KeyBytes{bytes}});
+        expected[id] = {"'" + text + "'", test::hex(bytes)};
+    }
+    EXPECT_EQ(written.rows(), expected);
+    EXPECT_EQ(written.findings(), kSound);
+    const std::uint32_t full = written.file().pageCount();
+    for (auto& [id, row] : expected) {
+        EXPECT_EQ(written.update(id, 0, "kurz"), 0);
+        row[0] = "'kurz'";
+    }
+    EXPECT_EQ(written.rows(), expected);
+    EXPECT_EQ(written.findings(), kSound);
+    for (const auto& [id, row] : expected)
+        EXPECT_EQ(written.run([&, id = id](TableWriter& writer) { writer.remove(id); }), 0);
+    EXPECT_EQ(written.rows().size(), 0u);
+    EXPECT_EQ(written.findings(), kSound);
+    // What was given back is taken again before the file grows.
+    EXPECT_GT(full, pages + 40);
+    for (int i = 0; i < 20; ++i)
+        written.insert({std::string(4000, 'z'), KeyBytes{std::string(4000, 'o')}});
+    EXPECT_EQ(written.file().pageCount(), full);
+    EXPECT_EQ(written.findings(), kSound);
+}
+
+// Rows grow in their page, move out of it, move again, and come home; all the time they keep their identity.
+TEST_P(WritingTest, RowsKeepTheirIdentityWhereverTheyLie) {
+    Writable written(
+        GetParam(),
+        {{"Id", ColumnType::kLong, 0, true}, {"T", ColumnType::kText, 255}, {"U", ColumnType::kText, 255}},
+        {{"PrimaryKey", {{"Id", false}}, true, true}, {"T", {{"T", true}}}});
+    std::map<RowId, Row> expected;
+    for (int i = 1; i <= 60; ++i)
+        expected[written.insert({{}, "kurz", ""})] = {std::to_string(i), "'kurz'", "''"};
+    for (const std::size_t size : {100, 250, 20, 255, 0}) {
+        for (auto& [id, row] : expected) {
+            if (row[0].back() == '3') continue;
+            const std::string text(size, 'a');
+            EXPECT_EQ(written.update(id, 1 + size % 2, text), 0);
+            row[1 + size % 2] = "'" + text + "'";
+        }
+        EXPECT_EQ(written.rows(), expected) << size;
+        EXPECT_EQ(written.findings(), kSound) << size;
+    }
+    while (!expected.empty()) {
+        EXPECT_EQ(written.run([&](TableWriter& writer) { writer.remove(expected.begin()->first); }), 0);
+        expected.erase(expected.begin());
+    }
+    EXPECT_EQ(written.rows(), expected);
+    EXPECT_EQ(written.findings(), kSound);
+}
+
+// In Jet 3 each 256 bytes of a row need a jump; where they come depends on every length before them.
+TEST_P(WritingTest, LongRowsOfManyTextsReadBack) {
+    std::vector<ColumnSpec> columns;
+    for (int c = 0; c < 30; ++c)
+        columns.push_back({"c" + std::to_string(c), ColumnType::kText, 255});
+    Writable written(GetParam(), columns);
+    std::mt19937 random(20121224);
+    std::map<RowId, Row> expected;
+    int refused = 0;
+    for (int i = 0; i < 200; ++i) {
+        std::vector<std::string> texts;
+        std::vector<Cell> cells;
+        Row row;
+        for (std::size_t c = 0; c < columns.size(); ++c)
+            texts.emplace_back(random() % 4 == 0 ? random() % 256 : random() % 30,
+                               static_cast<char>('a' + c % 26));
+        for (const std::string& text : texts) {
+            cells.emplace_back(text);
+            row.push_back(shown(cells.back()));
+        }
+        RowId id = 0;
+        const int error = written.run([&](TableWriter& writer) { id = writer.insert(cells); });
+        if (error == 0) expected[id] = row;
+        refused += error == 3190 ? 1 : 0;
+    }
+    EXPECT_EQ(expected.size() + static_cast<std::size_t>(refused), 200u);
+    EXPECT_GT(expected.size(), 50u);
+    EXPECT_EQ(written.rows(), expected);
+    EXPECT_EQ(written.findings(), kSound);
+    if (!haveMdbExport()) GTEST_SKIP() << "mdb-export is not installed";
+    ASSERT_TRUE(written.file().checkpoint());
+    std::vector<std::string> texts;
+    for (const auto& [id, row] : expected) {
+        texts.emplace_back();
+        for (const std::string& cell : row)
+            texts.back() +=
+                (texts.back().empty() && &cell == row.data() ? "" : "\x1f") + cell.substr(1, cell.size() - 2);
+    }
+    EXPECT_EQ(mdbExport(written.path(), "Tabelle"), texts);
+}
+
+TEST_P(WritingTest, IndexesRefuseWhatTheyMustNotHold) {
+    Writable written(
+        GetParam(),
+        {{"Id", ColumnType::kLong, 0, true}, {"E", ColumnType::kText, 20}, {"P", ColumnType::kLong}},
+        {{"PrimaryKey", {{"Id", false}}, true, true},
+         {"E", {{"E", false}}, true},
+         {"P", {{"P", false}}, false, false, true}});
+    const std::int64_t one = 1;
+    const RowId first = written.insert({{}, "Straße", one});
+    written.insert({{}, {}, one});
+    const auto insert = [&](const std::vector<Cell>& cells) {
+        return written.run([&](TableWriter& writer) { writer.insert(cells); });
+    };
+    const auto before = written.rows();
+    EXPECT_EQ(insert({{}, "STRASSE ", one}), 3022);
+    EXPECT_EQ(insert({one, "x", one}), 3022);
+    EXPECT_EQ(insert({{}, "x", {}}), 3314);
+    EXPECT_EQ(written.update(first, 0, Cell{std::int64_t{2}}), 3022);
+    EXPECT_EQ(written.update(first, 2, {}), 3314);
+    EXPECT_EQ(written.update(makeRowId(pageOf(first), 77), 2, one), 3167);
+    EXPECT_EQ(written.rows(), before);
+    // Nulls are no duplicates of each other, a row none of itself; refused rows use up no number.
+    EXPECT_EQ(written.update(first, 1, "strasse"), 0);
+    RowId next = written.insert({{}, {}, one});
+    EXPECT_EQ(written.rows()[next][0], "3");
+    // A number that is given raises the next one.
+    written.insert({std::int64_t{100}, {}, one});
+    std::int32_t reserved = 0;
+    EXPECT_EQ(written.run([&](TableWriter& writer) { reserved = writer.reserveAutonumber(); }), 0);
+    EXPECT_EQ(reserved, 101);
+    next = written.insert({{}, {}, one});
+    EXPECT_EQ(written.rows()[next][0], "102");
+    EXPECT_EQ(written.findings(), kSound);
+}
+
+// More pages than the maps of a new table and of the file have bits for at first, and then all given back.
+TEST_P(WritingTest, PageMapsGrowWithTheFile) {
+    Writable written(GetParam(), {{"O", ColumnType::kOle}});
+    const std::string bytes(GetParam() == Version::kJet4 ? 4072u * 900 : 2032u * 1200, 'x');
+    std::vector<RowId> ids;
+    for (int i = 0; i < 2; ++i)
+        ids.push_back(written.insert({KeyBytes{bytes}}));
+    EXPECT_EQ(written.findings(), kSound);
+    const std::uint32_t full = written.file().pageCount();
+    for (const RowId id : ids)
+        EXPECT_EQ(written.run([&](TableWriter& writer) { writer.remove(id); }), 0);
+    EXPECT_EQ(written.findings(), kSound);
+    written.insert({KeyBytes{bytes}});
+    EXPECT_EQ(written.file().pageCount(), full);
+    // A map of which there is no room for more bits gets pages of bits.
+    File::Writing writing(written.file());
+    PageAllocator allocator(written.file());
+    UsageMapRows rows(written.file(), allocator);
+    const RowPointer map = rows.add();
+    std::set<std::uint32_t> pages = {7, 500};
+    for (const std::uint32_t page : {7u, 500u, 40000u, 130000u, 524287u}) {
+        addToUsageMap(written.file(), allocator, map, page);
+        pages.insert(page);
+        EXPECT_TRUE(inUsageMap(written.file(), map, page));
+        EXPECT_FALSE(inUsageMap(written.file(), map, page - 1));
+    }
+    removeFromUsageMap(written.file(), map, 500);
+    EXPECT_EQ(readUsageMap(written.file(), map),
+              std::vector<std::uint32_t>{7});  // as far as the file reaches
+}
+
+// A reference that leads to somebody else's value, or nowhere, must not take that value away.
+TEST_P(WritingTest, DamagedReferencesReleaseNothing) {
+    const std::string text(3000, 'x'), other(300, 'y');
+    for (const std::uint32_t wrong : {0u, 1u, 2u, 0xFFFFFFu}) {
+        Writable written(GetParam(), {{"O", ColumnType::kOle}});
+        const RowId victim = written.insert({KeyBytes{other}});
+        const RowId damaged = written.insert({KeyBytes{other + "z"}});
+        {
+            File::Writing writing(written.file());
+            const auto page = written.file().edit(pageOf(damaged));
+            const auto length = std::array<std::uint8_t, 2>{0x2D, 0x01};  // 301
+            const auto at = std::search(page->begin(), page->end(), length.begin(), length.end());
+            ASSERT_NE(at, page->end());
+            // The place of the victim (row 0 of the same page) or a page that holds something else.
+            const std::uint32_t place = loadU32(&at[4]);
+            storeU32(&at[4], wrong == 0 ? place & ~0xFFu : wrong << 8);
+            writing.commit(Durability::kSoon);
+        }
+        EXPECT_EQ(written.run([&](TableWriter& writer) { writer.remove(damaged); }), 0) << wrong;
+        const std::map<RowId, Row> left = {{victim, {test::hex(other)}}};
+        EXPECT_EQ(written.rows(), left) << wrong;
+    }
+}
+
+struct ForeignCase {
+    const char* file;
+    const char* table;
+};
+void PrintTo(const ForeignCase& c, std::ostream* out) { *out << c.file << " " << c.table; }
+
+class ForeignWritingTest : public testing::TestWithParam<ForeignCase> {};
+
+// Every second row is rewritten, given a longer text, or deleted, and the deleted ones are put in again.
+TEST_P(ForeignWritingTest, RowsOfOtherWritersAreChangedInPlace) {
+    if (!test::haveData()) GTEST_SKIP() << "no example files at " << test::dataPath("");
+    Writable written(GetParam().file, GetParam().table);
+    std::map<RowId, Row> expected = written.rows();
+    ASSERT_FALSE(expected.empty());
+    std::vector<std::size_t> everyColumn, growing;
+    for (std::size_t c = 0; c < written.table().columns.size(); ++c) {
+        everyColumn.push_back(c);
+        const Column& column = written.table().columns[c];
+        if (column.isText() && (column.isLong() || column.length >= 80)) growing.push_back(c);
+    }
+    int turn = 0;
+    for (const auto& [id, row] : std::map(expected)) {
+        RowValues values;
+        {
+            RowView view;
+            ASSERT_TRUE(fetchRow(written.file(), written.table(), id, view));
+            values.assign(view);
+        }
+        const std::vector<Cell> cells(values.cells().begin(), values.cells().end());
+        RowId place = id;
+        std::string longer = "länger " + std::to_string(turn) + std::string(20, '.');
+        switch (turn++ % 6) {
+            case 1:
+                EXPECT_EQ(written.run([&](TableWriter& w) { w.update(id, everyColumn, cells); }), 0);
+                break;
+            case 3:
+                if (growing.empty()) break;
+                EXPECT_EQ(written.update(id, growing.back(), longer), 0);
+                expected[id][growing.back()] = shown(Cell(longer));
+                break;
+            case 5:
+                EXPECT_EQ(written.run([&](TableWriter& w) { w.remove(id); }), 0);
+                expected.erase(id);
+                EXPECT_EQ(written.run([&](TableWriter& w) { place = w.insert(cells); }), 0);
+                expected[place] = row;
+                break;
+            default: break;
+        }
+    }
+    EXPECT_EQ(written.rows(), expected);
+    EXPECT_EQ(written.findings(), kSound);
+}
+
+INSTANTIATE_TEST_SUITE_P(Tables, ForeignWritingTest,
+                         testing::Values(ForeignCase{"tvdaten-klein.mdb", "Sendungen"},
+                                         ForeignCase{"tvdaten-klein.mdb", "SendungenDetails"},
+                                         ForeignCase{"typen.mdb", "AlleTypen"},
+                                         ForeignCase{"typen.mdb", "Ueberlauf"},
+                                         ForeignCase{"typen.mdb", "Memos"},
+                                         ForeignCase{"typen.mdb", "SpalteNeu"}));
+
+}  // namespace
+}  // namespace wendel::jet
