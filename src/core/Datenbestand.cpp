@@ -14,6 +14,8 @@ namespace wendel {
 
 namespace {
 
+constexpr int kNurLesbar = 3027;  // of the engine: the database or its folder cannot be written
+
 bool localeVerwenden(const Ports& ports, const std::string& titel, const std::string& was,
                      const std::string& pfad, const std::string& ersatz) {
     const std::string text = was + " \"" + ports.dateien.pfadAnzeige(pfad) +
@@ -64,6 +66,7 @@ void Datenbestand::einstellungenLesen() {
 }
 
 void Datenbestand::pfadeBestimmen() {
+    nurLesbar_ = false;
     werte_.datenbankdatei = konfiguration_.datenbank;
     if (!ModulGrundbefehle::DateiExistiert(ports_.dateien, werte_.datenbankdatei) &&
         localeVerwenden(ports_, "Datenbankdatei", "Die Datenbankdatei", werte_.datenbankdatei,
@@ -168,9 +171,14 @@ std::vector<std::string> Datenbestand::senderkennungen() const {
     return kennungen;
 }
 
+void Datenbestand::abfragen() { zugreifen(false); }
+
+void Datenbestand::markierungenPflegenUndAbfragen() { zugreifen(true); }
+
 // A box of the access layer may stand for hours while ticks and control lines come in: each with a query of
 // its own would put another box on top, and a tick behind a box shows nothing more.
-void Datenbestand::abfragen() {
+void Datenbestand::zugreifen(bool pflegen) {
+    pflegeNachholen_ |= pflegen;
     if (zugriffLaeuft_) {
         abfrageNachholen_ = true;
         return;
@@ -181,24 +189,44 @@ void Datenbestand::abfragen() {
         // It asks with a later moment than the access that was under way: what lies between would be neither
         // missed nor to come.
         if (std::exchange(abfrageNachholen_, false)) verpassteVormerken();
-        gelungen = allesAbfragen();
+        gelungen = durchgang(std::exchange(pflegeNachholen_, false));
     } while (abfrageNachholen_ && gelungen);
 }
 
-// False when something could not be read: the user has given up, and asking again would bring the next box.
-bool Datenbestand::allesAbfragen() {
-    if (!senderBereit()) {
+// False when something could not be done: the user has given up, and asking again would bring the next box.
+bool Datenbestand::durchgang(bool pflegen) {
+    const bool senderDa = senderBereit();
+    Terminabfragen abfragen = terminabfragen();
+    // One moment for both kinds of reminders: each mark is then either missed or still to come. And for the
+    // maintenance: it deletes no mark that these queries call running.
+    const Datum jetzt = ports_.uhr.jetzt();
+    const bool verpassteGelesen = senderDa && verpassteLesen(abfragen, jetzt);
+    const bool gepflegt = !pflegen || markierungenPflegen(jetzt);
+    if (!senderDa) {
         verpassteVormerken();
         return false;
     }
-    Terminabfragen abfragen = terminabfragen();
-    // One moment for both kinds of reminders: each mark is then either missed or still to come.
-    const Datum jetzt = ports_.uhr.jetzt();
     const bool erinnerungenGelesen = erinnerungenLesen(abfragen, jetzt);
-    verpassteLesen(abfragen, jetzt);
+    // Those that the maintenance has just made, of broadcasts that are about to begin.
+    if (verpassteGelesen) verpassteLesen(abfragen, jetzt);
     // Marks that are new to us may pass before the next query succeeds.
     if (!erinnerungenGelesen) verpassteVormerken();
-    return aufzeichnungenLesen(abfragen, jetzt) && erinnerungenGelesen;
+    return aufzeichnungenLesen(abfragen, jetzt) && erinnerungenGelesen && gepflegt;
+}
+
+bool Datenbestand::markierungenPflegen(Datum jetzt) {
+    if (nurLesbar_) return true;
+    const std::string benutzer = konfiguration_.benutzer.empty() ? ModulSystem::GetRechnername(ports_.rechner)
+                                                                 : konfiguration_.benutzer;
+    try {
+        Markierungspflege pflege(zugriff_, benutzer, konfiguration_.loeschtage);
+        if (pflege.laufen(jetzt, markierungslisten_).erinnerungVersaeumt) verpassteVormerken();
+        return true;
+    } catch (const Fehler& fehler) {
+        // Told by the access layer.
+        nurLesbar_ = fehler.nummer() == kNurLesbar;
+        return false;
+    }
 }
 
 bool Datenbestand::erinnerungenLesen(Terminabfragen& abfragen, Datum jetzt) {
@@ -227,16 +255,17 @@ Terminliste Datenbestand::vereinigt(const Terminliste& gelesen) {
     return neu;
 }
 
-void Datenbestand::verpassteLesen(Terminabfragen& abfragen, Datum jetzt) {
+bool Datenbestand::verpassteLesen(Terminabfragen& abfragen, Datum jetzt) {
     if (!konfiguration_.erinnerung || !konfiguration_.verpassteZeigen) verpassteOffen_ = false;
-    if (!verpassteOffen_) return;
+    if (!verpassteOffen_) return true;
     const Terminabfrage abfrage = abfragen.VerpassteErinnerungenLesen(senderkennungen(), jetzt);
-    if (!abfrage.gelungen) return;
+    if (!abfrage.gelungen) return false;
     verpassteOffen_ = false;
     for (const TerminZeiger& termin : abfrage.termine) {
         if (journal_.kennt(*termin) || suche(erinnerungen_, hinweisschluessel(*termin))) continue;
         erinnerungen_.push_back(termin);
     }
+    return true;
 }
 
 bool Datenbestand::aufzeichnungenLesen(Terminabfragen& abfragen, Datum jetzt) {

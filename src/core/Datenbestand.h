@@ -15,6 +15,7 @@
 #include "reminders/cTermin.h"
 #include "tvdb/Einstellungen.h"
 #include "tvdb/Einstellungstabelle.h"
+#include "tvdb/Markierungspflege.h"
 #include "tvdb/ModulDatenbankzugriff.h"
 #include "tvdb/Senderliste.h"
 
@@ -56,9 +57,14 @@ class Datenbestand {
     // Channels; throws what the access layer throws, the old ones stay.
     void senderLaden();
     // Reminders and recordings; also missed reminders where they are owed, which then stand in the collection
-    // of reminders, due. Failures keep the old collections. Called from inside a box of this or of
-    // senderLaden() it returns at once; the access that is under way is followed by one more if it succeeds.
+    // of reminders, due. Failures keep the old collections. Called from inside a box of this, of
+    // markierungenPflegenUndAbfragen() or of senderLaden() it returns at once; the access that is under way
+    // is followed by one more if it succeeds.
     void abfragen();
+    // The same, with the table of marks brought up to date before. What of that fails, the access layer has
+    // shown; the queries are made all the same. A database that refuses to be written is not tried again
+    // before the next pfadeBestimmen(): its boxes would come with every notice.
+    void markierungenPflegenUndAbfragen();
     // The program did not watch for a while: the next abfragen() that succeeds also looks for what was
     // missed.
     void verpassteVormerken() { verpassteOffen_ = true; }
@@ -68,6 +74,8 @@ class Datenbestand {
     const Terminliste& eigene() const { return eigene_; }
     const Terminliste& erinnerungen() const { return erinnerungen_; }
     const Terminliste& aufzeichnungen() const { return aufzeichnungen_; }
+    // Keys of the user's marks as the last maintenance has read them.
+    const Markierungslisten& markierungslisten() const { return markierungslisten_; }
     Hinweisjournal& journal() { return journal_; }
     const Prozesswerte& werte() const { return werte_; }
 
@@ -76,9 +84,11 @@ class Datenbestand {
     bool senderBereit();
     Terminabfragen terminabfragen();
     std::vector<std::string> senderkennungen() const;
-    bool allesAbfragen();
+    void zugreifen(bool pflegen);
+    bool durchgang(bool pflegen);
+    bool markierungenPflegen(Datum jetzt);
     bool erinnerungenLesen(Terminabfragen& abfragen, Datum jetzt);
-    void verpassteLesen(Terminabfragen& abfragen, Datum jetzt);
+    bool verpassteLesen(Terminabfragen& abfragen, Datum jetzt);
     bool aufzeichnungenLesen(Terminabfragen& abfragen, Datum jetzt);
     Terminliste vereinigt(const Terminliste& gelesen);
 
@@ -95,12 +105,15 @@ class Datenbestand {
     Terminliste eigene_;
     Terminliste erinnerungen_;
     Terminliste aufzeichnungen_;
+    Markierungslisten markierungslisten_;
     bool einstellungenGelesen_ = false;
     bool ungespeichert_ = false;
     bool verpassteOffen_ = true;
     bool senderGeladen_ = false;
     bool zugriffLaeuft_ = false;
     bool abfrageNachholen_ = false;
+    bool pflegeNachholen_ = false;
+    bool nurLesbar_ = false;
 };
 
 }  // namespace wendel

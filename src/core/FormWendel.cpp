@@ -60,7 +60,7 @@ void FormWendel::SteuerzeileEmpfangen(const std::string& text) {
 }
 
 void FormWendel::terminupdate() {
-    bestand_.abfragen();
+    bestand_.markierungenPflegenUndAbfragen();
     RefreshTVDaten();
 }
 
@@ -91,7 +91,7 @@ void FormWendel::konfigNeuLesen() {
     // Appointments that could not be stored must not be replaced by older ones. Stored once more, since the
     // boxes before may have let a notice be answered.
     if (bestand_.speichernWennNoetig()) bestand_.termineLaden();
-    bestand_.abfragen();
+    bestand_.markierungenPflegenUndAbfragen();
     nachholen(bestand_.eigene(), ports_.uhr.jetzt());
     Ausfüllen();
     TaskBarIconAktualisieren();

@@ -91,7 +91,7 @@ void Start::formEinrichten() {
 
 void Start::datenLaden() {
     mitFehlerfalle([this] { bestand_.senderLaden(); });
-    mitFehlerfalle([this] { bestand_.abfragen(); });
+    mitFehlerfalle([this] { bestand_.markierungenPflegenUndAbfragen(); });
     mitFehlerfalle([this] {
         nachholen(bestand_.eigene(), ports_.uhr.jetzt());
         form_.Ausfüllen();

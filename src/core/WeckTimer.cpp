@@ -13,6 +13,7 @@ namespace {
 
 constexpr std::int64_t kLueckeSekunden = 60;
 constexpr int kWartezeitMs = 1200;
+constexpr int kZeichenzeitMs = 200;
 constexpr int kScheibeMs = 100;
 
 class Beschaeftigt {
@@ -89,17 +90,20 @@ void WeckTimer::minutenlauf(Datum jetzt) {
 void WeckTimer::hinweisenUndNachlesen(const Terminliste& faellige, Datum jetzt) {
     const Beschaeftigt waehrenddessen(form_);
     const Hinweis hinweis = ausgabe_.feuern(faellige, jetzt);
-    if (!warten()) return;
+    // Long enough for a start-up of the screen or the sound to settle.
+    if (!warten(kWartezeitMs)) return;
     ausgabe_.zeigen(hinweis);
     static_cast<void>(bestand_.speichernWennNoetig());
-    bestand_.abfragen();
+    // What follows blocks for as long as the database is busy: the notice is on the screen before.
+    if (!warten(kZeichenzeitMs)) return;
+    bestand_.markierungenPflegenUndAbfragen();
     auffrischen();
 }
 
-// Long enough for a start-up of the screen or the sound to settle, in slices so that the windows stay alive.
-// False when the program was told to end meanwhile: the journal keeps the notice for the next start.
-bool WeckTimer::warten() {
-    for (int gewartet = 0; gewartet < kWartezeitMs; gewartet += kScheibeMs) {
+// In slices, so that the windows stay alive. False when the program was told to end meanwhile: the journal
+// keeps the notice for the next start.
+bool WeckTimer::warten(int dauerMs) {
+    for (int gewartet = 0; gewartet < dauerMs; gewartet += kScheibeMs) {
         ports_.uhr.nachrichtenVerarbeiten();
         if (form_.beendet()) return false;
         ports_.uhr.schlafe(kScheibeMs);

@@ -30,7 +30,7 @@ class WeckTimer {
     void minutenlauf(Datum jetzt);
     void hinweisenUndNachlesen(const Terminliste& faellige, Datum jetzt);
     void nachzueglerHinweisen();
-    bool warten();
+    bool warten(int dauerMs);
     void auffrischen();
 
     const Ports& ports_;

@@ -4,12 +4,16 @@
 #include <utility>
 #include <variant>
 
+#include "platform/Fehler.h"
+#include "platform/Text.h"
 #include "tvdb/Feldwerte.h"
 #include "tvdb/ModulDatenbankzugriff.h"
 
 namespace wendel {
 
 namespace {
+
+constexpr std::size_t kHtmlSeiteLaenge = 255;
 
 // A column and the member that holds it.
 using Ziel = std::variant<std::int32_t cSendung::*, std::int16_t cSendung::*, std::string cSendung::*,
@@ -82,6 +86,12 @@ struct Zuweisung {
     void operator()(bool cSendung::*m) const { sendung.*m = Feldwerte::alsBool(wert); }
 };
 
+Variant feldwert(std::int32_t wert) { return Variant::lang(wert); }
+Variant feldwert(std::int16_t wert) { return Variant::integer(wert); }
+Variant feldwert(const std::string& wert) { return Variant::text(wert); }
+Variant feldwert(wendel::Datum wert) { return Variant::datum(wert); }
+Variant feldwert(bool wert) { return Variant::boolesch(wert); }
+
 template <std::size_t N>
 std::string namenAb(const std::array<Spalte, N>& spalten, std::size_t erste) {
     std::string namen;
@@ -106,6 +116,16 @@ void leseSpalten(cSendung& sendung, Recordset& rs, const std::array<Spalte, N>& 
     for (std::size_t i = 0; i < N; ++i) {
         const Variant wert = rs.feld(nummern[i]);
         std::visit(Zuweisung{sendung, wert}, spalten[i].ziel);
+    }
+}
+
+// All columns from the first on; those before it are the database's own.
+template <std::size_t N>
+void schreibeSpalten(const cSendung& sendung, Recordset& rs, const std::array<Spalte, N>& spalten,
+                     const std::array<std::size_t, N>& nummern, std::size_t erste) {
+    for (std::size_t i = erste; i < N; ++i) {
+        std::visit([&](auto member) { rs.setzeFeld(nummern[i], feldwert(sendung.*member)); },
+                   spalten[i].ziel);
     }
 }
 
@@ -154,6 +174,32 @@ void cSendung::LeseVonRsFields1() {
 void cSendung::LeseVonRsFields2() {
     leseSpalten(*this, *bindung2_.rs, kSpaltenDetails, bindung2_.feldnummern);
     Temp_DetailsGeladen = true;
+}
+
+void cSendung::SpeichernInDatensatzAlles(Datenbank&, Recordset& rsSendungen, Recordset& rsDetails) {
+    assert(zugriff_ && "a record without a database was asked to store itself");
+    const auto nummern1 =
+        bindung1_.rs == &rsSendungen ? bindung1_.feldnummern : feldnummern(rsSendungen, kSpaltenSendungen);
+    rsSendungen.addNew();
+    Pos = Feldwerte::alsLong(rsSendungen.feld(nummern1[0]));
+    schreibeSpalten(*this, rsSendungen, kSpaltenSendungen, nummern1, 1);
+    zugriff_->SafeUpdate(rsSendungen);
+    if (!Temp_DetailsGeladen) {
+        throw Fehler(fehlernummer::kEigener, "SpeichernInDatensatzAlles",
+                     "Ein Programmfehler ist aufgetreten. Die Detailsfelder sollen gespeichert werden sind "
+                     "jedoch noch nicht initialisiert.");
+    }
+    detailsSpeichern(rsDetails);
+}
+
+void cSendung::detailsSpeichern(Recordset& rs) {
+    const auto nummern = bindung2_.rs == &rs ? bindung2_.feldnummern : feldnummern(rs, kSpaltenDetails);
+    rs.addNew();
+    rs.setzeFeld("Pos", Variant::lang(Pos));
+    rs.setzeFeld(nummern[0], Variant::text(Temp_Beschreibung));
+    rs.setzeFeld(nummern[1], Variant::text(Temp_Darsteller));
+    rs.setzeFeld(nummern[2], Variant::text(Left(Temp_HTMLSeite, kHtmlSeiteLaenge)));
+    zugriff_->SafeUpdate(rs);
 }
 
 void cSendung::FillAusDatenbank1(std::int32_t pos) {

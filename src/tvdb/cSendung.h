@@ -1,7 +1,7 @@
 #pragma once
 // One broadcast: a row of the table Sendungen and, loaded when first asked for, its row of SendungenDetails.
-// Reads itself from recordsets by column name or through columns bound once, and by key from the database.
-// Adding rows to the tables is not its work yet; which broadcasts to read is left to the callers.
+// Reads itself from recordsets by column name or through columns bound once, and by key from the database;
+// adds itself to both tables. Which broadcasts to read or to add is left to the callers.
 
 #include <array>
 #include <cstddef>
@@ -89,6 +89,13 @@ class cSendung {
     void LeseVonRsFields1();
     void LeseVonRsFields2();
 
+    // Adds the record to both tables, whose recordsets are open for adding rows. Pos becomes the number that
+    // the database has given the row. Columns that are bound to these very recordsets are not looked up
+    // again: who adds many broadcasts binds one record and fills it anew for each. Throws what SafeUpdate
+    // throws, and Fehler 1 when the details were neither loaded nor set; the row of Sendungen is stored all
+    // the same then.
+    void SpeichernInDatensatzAlles(Datenbank& db, Recordset& rsSendungen, Recordset& rsDetails);
+
     // Open the database, read the row with this key, close it. A missing row changes nothing (details stay
     // unloaded, so that the next reading tries again). Throw what ModulDatenbankzugriff throws.
     void FillAusDatenbank1(std::int32_t pos);
@@ -122,6 +129,7 @@ class cSendung {
     };
 
     void detailsLaden();
+    void detailsSpeichern(Recordset& rs);
 
     ModulDatenbankzugriff* zugriff_ = nullptr;
     Bindung<kSpalten1> bindung1_;

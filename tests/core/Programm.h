@@ -2,6 +2,7 @@
 // The whole logic on fakes: a programme folder in memory, a TV database that answers the program's statements
 // from plain rows, views that remember what they show. A test moves the clock and looks at the notice.
 
+#include <cstdio>
 #include <memory>
 #include <optional>
 #include <string>
@@ -91,9 +92,10 @@ struct FakeTvDaten {
     bool gesperrt = false;
     int sperrnummer = 3260;
 
-    std::optional<FakeAntwort> antwort(const std::string& sql) const {
+    std::optional<FakeAntwort> antwort(const std::string& sql) {
         if (gesperrt) return Fehler(sperrnummer, "DAO.Database", "Gesperrt.");
         if (sql.find("from Sender ") != std::string::npos) return sendertabelle();
+        if (sql.find("Select Distinct") == std::string::npos) return pflege(sql);
         const bool erinnerungen = sql.find("Erinnerung=true") != std::string::npos;
         FakeTabelle tabelle{{"Optionen", "Datum", "Uhrzeit", "Dauer", "Sendung", "Senderkennung"}, {}};
         for (const Markierung& m : markierungen) {
@@ -107,6 +109,21 @@ struct FakeTvDaten {
     }
 
   private:
+    // The maintenance finds no broadcasts and deletes the marks of those that are over.
+    FakeAntwort pflege(const std::string& sql) {
+        if (sql.find("MaxPos") != std::string::npos) return FakeTabelle{{"MaxPos"}, {{Variant::null()}}};
+        int m, t, j, h, n, s;
+        const std::size_t stelle = sql.find(",Datum+Uhrzeit)<#");
+        if (stelle != std::string::npos &&
+            std::sscanf(sql.c_str() + stelle, ",Datum+Uhrzeit)<#%d/%d/%d %d:%d:%d#", &m, &t, &j, &h, &n,
+                        &s) == 6) {
+            std::erase_if(markierungen, [&](const Markierung& markierung) {
+                return DateAdd(Einheit::Minute, markierung.dauer, markierung.beginn) <
+                       moment(j, m, t, h, n, s);
+            });
+        }
+        return FakeTabelle{};
+    }
     FakeAntwort sendertabelle() const {
         FakeTabelle tabelle{
             {"Senderkennung", "Bezeichnung", "BezeichnungKurz", "DatenNr", "KzBezeichnungSchützen", "Favorit",

@@ -23,17 +23,22 @@ TEST_F(Start, EverythingHappensInItsOrder) {
         const std::string teil = zeile.substr(0, zeile.find_first_of("(."));
         if (teil != "Dateisystem" && teil != "Datenbank" && teil != "Fenstersystem") reihe.push_back(zeile);
     }
-    EXPECT_THAT(
-        reihe,
-        ElementsAre("Automation.setzeWartemeldung(, Eine Datenbankabfrage läuft bereits. Bitte "
-                    "warten Sie einen Augenblick., 30000)",
-                    "FormHinweis.zeigen", "Klang.ausgabegeraete()",
-                    "Klang.spieleAsynchron(\\suite\\wendel.wav)", "Rechner.rechnername()",
-                    "TaskleistenSymbol.hinzufuegen()", "Uhr.nachrichtenVerarbeiten()", "FormWendel.zeigen"));
-    EXPECT_THAT(ports.datenbanken->anweisungen(),
+    EXPECT_THAT(reihe,
+                ElementsAre("Automation.setzeWartemeldung(, Eine Datenbankabfrage läuft bereits. Bitte "
+                            "warten Sie einen Augenblick., 30000)",
+                            "FormHinweis.zeigen", "Klang.ausgabegeraete()",
+                            "Klang.spieleAsynchron(\\suite\\wendel.wav)", "Rechner.rechnername()",
+                            "Rechner.rechnername()", "TaskleistenSymbol.hinzufuegen()",
+                            "Uhr.nachrichtenVerarbeiten()", "FormWendel.zeigen"));
+    // The maintenance, nine statements without any mark, deletes what the query of missed reminders has read.
+    std::vector<std::string> anweisungen = ports.datenbanken->anweisungen();
+    ASSERT_EQ(anweisungen.size(), 13u);
+    anweisungen.erase(anweisungen.begin() + 3, anweisungen.begin() + 10);
+    EXPECT_THAT(anweisungen,
                 ElementsAre("Select * from Sender Order by Favorit*10000000+SortNr*10000+SortNrKestrin",
-                            HasSubstr("Optionen,Datum,Uhrzeit,Sendung,"),
-                            HasSubstr("Optionen,Datum,Uhrzeit,Dauer"), HasSubstr("Aufzeichnung=true")));
+                            HasSubstr("Optionen,Datum,Uhrzeit,Dauer"), HasSubstr("MaxPos"),
+                            HasSubstr("having min(pos)"), HasSubstr("Optionen,Datum,Uhrzeit,Sendung,"),
+                            HasSubstr("Aufzeichnung=true")));
     EXPECT_EQ(hinweis->text, "Sie wollten sich erinnern lassen.\r\nTee");
     EXPECT_TRUE(ports.meldungen.gezeigt.empty());
 }

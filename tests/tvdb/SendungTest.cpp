@@ -56,5 +56,34 @@ TEST_F(SendungTest, JedesFeldKommtAusSeinerSpalte) {
     EXPECT_EQ(zustand->offen() + zustand->recordsetsOffen(), 0);
 }
 
+// A conflict is retried; what the fields hold, the tests on the real engine read back.
+TEST_F(SendungTest, AnhaengenSchreibtAlleSpaltenInIhrerReihenfolge) {
+    antworte("S", {Split("Pos," + std::string(kFelder1), ","), {}});
+    antworte("D", {{"Pos", "HTMLSeite", "Darsteller", "Beschreibung"}, {}});
+    db = zugriff.OpenDatenbank("\\suite\\tvdaten.mdb");
+    const auto sendungen = zugriff.SafeOpenRs(db, "S"), details = zugriff.SafeOpenRs(db, "D");
+    zustand->naechsterSchluessel = 4711;
+    zustand->naechsteFehler = {3260};
+    cSendung sendung{zugriff};
+    const auto speichern = [&] { sendung.SpeichernInDatensatzAlles(*db, *sendungen, *details); };
+    EXPECT_EQ(
+        fehlerVon(speichern).beschreibung,
+        "Ein Programmfehler ist aufgetreten. Die Detailsfelder sollen gespeichert werden sind jedoch noch "
+        "nicht initialisiert.");
+    EXPECT_EQ(fakes.uhr.schlafdauern.size(), 1U);
+    sendung.setzeBeschreibung("B");
+    speichern();
+    std::vector<std::string> saetze;
+    for (const auto& satz : zustand->gespeichert) {
+        saetze.emplace_back();
+        for (const auto& [name, wert] : satz)
+            saetze.back() += (saetze.back().empty() ? "" : ",") + name;
+    }
+    EXPECT_EQ(saetze,
+              (std::vector<std::string>{kFelder1, kFelder1, "Pos,Beschreibung,Darsteller,HTMLSeite"}));
+    EXPECT_EQ(zustand->gespeichert.back()[0].second, Variant::lang(4712));
+    EXPECT_EQ(zustand->gespeichert.back()[1].second, Variant::text("B"));
+}
+
 }  // namespace
 }  // namespace wendel

@@ -1,0 +1,117 @@
+// A maintenance run on the example database, on 24 December 2012 at 20:00. What is expected follows by hand
+// from the broadcasts and marks that another program has written into it.
+#include "tvdb/Markierungspflege.h"
+
+#include <gmock/gmock.h>
+
+#include "core/Programm.h"
+#include "integration/EchteDatenbank.h"
+#include "tvdb/cSendung.h"
+
+namespace wendel {
+namespace {
+
+using testing::ElementsAre;
+
+class Pflege : public EchteDatenbank {
+  protected:
+    void SetUp() override {
+        if (!beispiel("tvdaten-klein.mdb")) GTEST_SKIP() << "no example databases in " << kBeispiele;
+    }
+    Markierungslisten pflege() {
+        Markierungslisten listen;
+        Markierungspflege(zugriff, "PC-WOHNZIMMER", 7).laufen(fakes.uhr.jetzt(), listen);
+        return listen;
+    }
+};
+
+TEST_F(Pflege, BringsTheTableInStepWithTheBroadcasts) {
+    const char* const kAndere = "Select * from Markierungen Where User='PC-BUERO' Order by ID";
+    const auto andere = zeilen(kAndere, 16);
+    const std::string keine = ";Wiederkehrend=1", egal = keine + ";SenderEgal=1",
+                      beide = egal + ";OhneWiederholung=1";
+    aendere("Delete from Sendungen Where Pos=301");  // mark 9 loses its broadcast
+    const Markierungslisten listen = pflege();
+    EXPECT_THAT(
+        zeilen("Select ID,Pos,Sendung from Markierungen Where User='PC-WOHNZIMMER' and ID<=30 Order by ID",
+               3),
+        ElementsAre("3|371|Das große Wintergespräch: Folge 389", "5|372|Technik/Wissen",
+                    "7|426|Täglich um sechs", "9|0|L'été à Lyon", "11|577|Der letzte Müller",
+                    "13|349|100 % Handarbeit", "15|91|Die Leuchtturmwärterin", "17|519|Ein Fall für Möwe 4",
+                    "21|442|Liebe, Lügen, Lebkuchen"));
+    EXPECT_THAT(
+        zeilen("Select Pos,Sendung,Datum,Uhrzeit,Dauer,Favorit,Erinnerung,Aufzeichnung,Optionen "
+               "from Markierungen Where User='PC-WOHNZIMMER' and ID>30 Order by Pos",
+               9),
+        ElementsAre(
+            "72|Ein Fall für Möwe 4|26.12.2012|01:45:00|30|-1|-1|-1|Erinnerungszeit=201212260135" + beide,
+            "135|Die Leuchtturmwärterin|25.12.2012|07:20:00|20|-1|-1|-1|Erinnerungszeit=201212250710" + keine,
+            "198|Liebe, Lügen, Lebkuchen|25.12.2012|01:35:00|10|-1|-1|0|Erinnerungszeit=201212250105" + egal,
+            "283|Liebe, Lügen, Lebkuchen|25.12.2012|08:35:00|75|-1|-1|0|Erinnerungszeit=201212250805" + egal,
+            "296|Liebe, Lügen, Lebkuchen|25.12.2012|19:55:00|20|-1|-1|0|Erinnerungszeit=201212251925" + egal,
+            "351|O'Malleys letzte "
+            "Fahrt|25.12.2012|00:15:00|100|-1|0|0|Wiederkehrend=1;Erinnerungszeit=201213",
+            "357|Ein Fall für Möwe 4|25.12.2012|05:55:00|5|-1|-1|-1|Erinnerungszeit=201212250545" + beide,
+            "365|Liebe, Lügen, Lebkuchen|25.12.2012|12:50:00|70|-1|-1|0|Erinnerungszeit=201212251220" + egal,
+            "423|Das große Wintergespräch|24.12.2012|21:35:00|5|-1|0|0|Wiederkehrend=1",
+            "434|Das große Wintergespräch|25.12.2012|11:25:00|20|-1|0|0|Wiederkehrend=1",
+            "603|Der letzte Müller|26.12.2012|02:20:00|15|-1|-1|-1|Erinnerungszeit=201212260215" + keine,
+            "604|Der letzte Müller|26.12.2012|02:35:00|50|-1|-1|-1|Erinnerungszeit=201212260230" + keine));
+    EXPECT_EQ(zeilen(kAndere, 16), andere);
+    EXPECT_THAT(zeilen("Select Pos from Sendungen Where KzInFavoritenliste=true Order by Pos", 1),
+                ElementsAre("18", "42", "44", "72", "91", "122", "124", "135", "198", "268", "283", "296",
+                            "349", "351", "357", "365", "371", "372", "423", "426", "434", "442", "448",
+                            "468", "471", "519", "571", "572", "577", "603", "604"));
+    EXPECT_NE(listen.favoriten.find(";423;"), std::string::npos);
+    EXPECT_EQ(listen.erinnerungen.find(";423;"), std::string::npos);
+    const auto alles = zeilen("Select * from Markierungen Order by ID", 16);
+    pflege();
+    EXPECT_EQ(zeilen("Select * from Markierungen Order by ID", 16), alles)
+        << "a second run finds nothing to do";
+}
+
+// From the data update to the notice: a broadcast is added that begins in five minutes, and a recurring mark
+// wants to remind ten minutes ahead.
+TEST_F(Pflege, AddedBroadcastIsMarkedAtTheStartAndItsReminderMadeUp) {
+    oeffne();
+    cSendung sendung{zugriff};
+    sendung.SenderKennung = "ZDF";
+    sendung.Titel = "Journal: Die Nacht";
+    sendung.Beginn = fakes.uhr.jetzt().plusSekunden(300);
+    sendung.Ende = sendung.Beginn.plusSekunden(1800);
+    sendung.Dauer = "30";
+    sendung.KzHDTV = true;
+    sendung.setzeHTMLSeite(ersetzt(std::string(300, 'x'), "x", "ü"));
+    auto sendungen = zugriff.SafeOpenRs(db, "Select * from Sendungen", kDynaset, kAppendOnly);
+    sendung.SetRsFields1(*sendungen);
+    auto details = zugriff.SafeOpenRs(db, "Select * from SendungenDetails", kDynaset, kAppendOnly);
+    sendung.SpeichernInDatensatzAlles(*db, *sendungen, *details);
+    zugriff.SafeCloseRs(sendungen);
+    zugriff.SafeCloseRs(details);
+    zugriff.SafeCloseDatenbank(db);
+    cSendung gelesen{zugriff};
+    gelesen.FillAusDatenbank1(sendung.Pos);
+    EXPECT_EQ(gelesen.Titel, sendung.Titel);
+    EXPECT_EQ(gelesen.Beginn, sendung.Beginn);
+    EXPECT_TRUE(gelesen.KzHDTV);
+    EXPECT_EQ(gelesen.HTMLSeite(), ersetzt(std::string(255, 'x'), "x", "ü"));
+    aendere(
+        "Insert Into Markierungen "
+        "(User,Pos,Sendung,Senderkennung,Datum,Uhrzeit,Dauer,Favorit,Erinnerung,Optionen,"
+        "Aufzeichnung,Aktualisierung,KzAusblenden) Values "
+        "('PC-BUERO',0,'Journal:','ARD',#12/20/2012#,#12/30/1899 "
+        "20:15:00#,'30',true,true,'Wiederkehrend=1;SenderEgal=1;Erinnerungszeit=201212202005',0,0,0)");
+    Programm programm;
+    jet::JetDatenbankmaschinen eigene(programm.ports.uhr,
+                                      [&](const std::string&) { return werte.datenbankdatei; });
+    programm.ports.echteDatenbanken = &eigene;
+    programm.starte();
+    programm.sekunde();
+    EXPECT_THAT(programm.hinweis->text, testing::EndsWith("\r\n20:05 Journal: Die Nacht (ZDF)"));
+    EXPECT_THAT(zeilen("Select Pos,Optionen from Markierungen Where Sendung='Journal: Die Nacht'", 2),
+                ElementsAre(std::to_string(sendung.Pos) +
+                            "|Wiederkehrend=1;SenderEgal=1;Erinnerungszeit=201212241955"));
+}
+
+}  // namespace
+}  // namespace wendel

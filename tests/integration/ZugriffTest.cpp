@@ -1,0 +1,116 @@
+// Guarded access against conflicts that another process makes, and against a file that is really damaged.
+// Every refused statement costs a second: as long the engine waits by itself.
+#include <gmock/gmock.h>
+
+#include <fstream>
+
+#include "integration/EchteDatenbank.h"
+#include "jet/storage/Schema.h"
+#include "support/Fehlernummer.h"
+
+namespace wendel {
+namespace {
+
+using testing::ElementsAre;
+using Kasten = FakeMeldungen::Kasten;
+
+const char* const kAendern = "Update Markierungen Set KzAusblenden=true Where ID=3";
+const Kasten kKollision{
+    "Eine andere Funktion verhindert gerade die Datenfreigabe aufgrund eines längeres Zugriffs.\r\n"
+    "Bitte warten Sie einen Augenblick und klicken Sie dann auf [Wiederholen].",
+    65589, "Datenzugriffskollision"};
+
+class Zugriff : public EchteDatenbank {
+  protected:
+    void SetUp() override {
+        jet::createDatabaseFile(werte.datenbankdatei, jet::Version::kJet4);
+        aendere("Create Table Markierungen (ID Counter Primary Key, Sendung Text(100), KzAusblenden YesNo)");
+        for (const char* titel : {"Tatort", "Wetter", "Film"})
+            aendere("Insert Into Markierungen (Sendung) Values ('" + std::string(titel) + "')");
+        einstellungen.setzeEinstellung(127, Variant::lang(1));
+        fremdes.emplace(werte.datenbankdatei);
+        oeffne();
+        fremdes->sperren();
+    }
+    bool geaendert() {
+        return zeilen("Select KzAusblenden from Markierungen Where ID=3", 1) ==
+               std::vector<std::string>{"-1"};
+    }
+    std::string protokoll() { return dateien.lesen(ordner + "tvdbaccess.log").value_or(""); }
+
+    std::optional<FremdesProgramm> fremdes;
+};
+
+TEST_F(Zugriff, ShortConflictPassesInSilence) {
+    fakes.uhr.beimSchlafen = [&](int) { fremdes->freigeben(); };
+    zugriff.SafeExecute(db, kAendern);
+    EXPECT_TRUE(geaendert());
+    EXPECT_THAT(fakes.uhr.schlafdauern, ElementsAre(3500));
+    EXPECT_TRUE(fakes.meldungen.gezeigt.empty());
+    EXPECT_EQ(protokoll(), std::string("24.12.2012 20:00:00: Fehler3260: 0s: ") + kAendern + "\r\n");
+}
+
+TEST_F(Zugriff, LongConflictAsksAndRetryGoesOn) {
+    fakes.meldungen.antworten = {Antwort::Wiederholen};
+    fakes.meldungen.imKasten = [&](const Kasten&) {
+        EXPECT_FALSE(geaendert()) << "reading is not held up";
+        fremdes->freigeben();
+    };
+    zugriff.SafeExecute(db, kAendern);
+    EXPECT_TRUE(geaendert());
+    EXPECT_THAT(fakes.uhr.schlafdauern, ElementsAre(3500));
+    EXPECT_THAT(fakes.meldungen.gezeigt, ElementsAre(kKollision));
+}
+
+TEST_F(Zugriff, GivenUpConflictKeepsItsNumberAndTheFile) {
+    EXPECT_EQ(fehlernummerVon([&] { zugriff.SafeExecute(db, kAendern); }), 3260);
+    EXPECT_THAT(fakes.meldungen.gezeigt, ElementsAre(kKollision));
+    EXPECT_FALSE(geaendert());
+    fremdes->toeten();  // its lock goes with it
+    zugriff.SafeExecute(db, kAendern);
+    EXPECT_TRUE(geaendert());
+    EXPECT_EQ(fakes.uhr.schlafdauern.size(), 1u);
+}
+
+TEST_F(Zugriff, NewRecordOutlivesAConflict) {
+    const auto rs = zugriff.SafeOpenRs(db, "Select * from Markierungen", kDynaset);
+    fremdes->freigeben();  // the number is given out at once
+    rs->addNew();
+    const std::int32_t kennung = rs->feld("ID").alsLong();
+    rs->setzeFeld("Sendung", Variant::text("neu"));
+    fremdes->sperren();
+    fakes.meldungen.antworten = {Antwort::Wiederholen};
+    fakes.meldungen.imKasten = [&](const Kasten& kasten) {
+        EXPECT_THAT(kasten.text, testing::StartsWith("Ein Update kann nicht durchgeführt werden."));
+        fremdes->freigeben();
+    };
+    zugriff.SafeUpdate(*rs);
+    EXPECT_EQ(fakes.meldungen.gezeigt.size(), 1u);
+    EXPECT_THAT(zeilen("Select ID from Markierungen Where Sendung='neu'", 1),
+                ElementsAre(std::to_string(kennung)));
+}
+
+// The index pages of all tables are gone; the rows are not.
+TEST_F(Zugriff, DamagedFileIsRepairedAfterTheSecondQuestion) {
+    fremdes.reset();
+    db.reset();
+    std::string bytes = *dateien.lesen(werte.datenbankdatei);
+    for (std::size_t seite = 4096; seite < bytes.size(); seite += 4096) {
+        if (bytes[seite] == 3 || bytes[seite] == 4) bytes.replace(seite, 4096, 4096, '\0');
+    }
+    std::ofstream(werte.datenbankdatei, std::ios::binary) << bytes;
+    usleep(100000);  // in a file written this very moment the engine takes damage for a conflict
+    oeffne();
+    fakes.meldungen.antworten = {Antwort::Abbrechen, Antwort::Ja};
+    zugriff.SafeExecute(db, "Delete from Markierungen Where ID=3");
+    ASSERT_EQ(fakes.meldungen.gezeigt.size(), 2u);
+    EXPECT_EQ(fakes.meldungen.gezeigt[0].stil, 53);
+    EXPECT_EQ(fakes.meldungen.gezeigt[1], (Kasten{"Die Datenbank scheint defekt zu sein.\r\n"
+                                                  "Möchten Sie versuchen sie zu reparieren?",
+                                                  52, "Lomrick"}));
+    EXPECT_TRUE(fakes.uhr.schlafdauern.empty()) << "damage is no conflict";
+    EXPECT_THAT(zeilen("Select ID,Sendung from Markierungen", 2), ElementsAre("1|Tatort", "2|Wetter"));
+}
+
+}  // namespace
+}  // namespace wendel
