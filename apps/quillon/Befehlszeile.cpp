@@ -11,7 +11,8 @@ namespace wendel::quillon {
 namespace {
 
 constexpr std::string_view kAufruf =
-    "Aufruf: quillon [--ordner ORDNER] [--anlegen] [--setze NAME=WERT] [--zeige [NAME]]\n";
+    "Aufruf: quillon [--ordner ORDNER] [--anlegen] [--beispiel] [--erststart] [--setze NAME=WERT]\n"
+    "                [--zeige [NAME]]\n";
 
 // Walks through the arguments.
 class Leser {
@@ -71,6 +72,10 @@ void liesSchalter(Leser& leser, Befehl& befehl) {
         if (befehl.ordner->empty()) throw Gebrauchsfehler("Der Ordner ist leer.");
     } else if (schalter == "--anlegen") {
         befehl.auftraege.emplace_back(Anlegen{});
+    } else if (schalter == "--beispiel") {
+        befehl.auftraege.emplace_back(Beispiel{});
+    } else if (schalter == "--erststart") {
+        befehl.auftraege.emplace_back(Erststart{});
     } else if (schalter == "--setze") {
         befehl.auftraege.push_back(setzeAus(leser.wertFuer(schalter)));
     } else if (schalter == "--zeige") {
@@ -113,7 +118,9 @@ std::string hilfetext() {
     text +=
         "\n"
         "  --ordner ORDNER    Programmordner; sonst gilt WENDEL_ORDNER oder der übliche\n"
-        "  --anlegen          legt fehlende Dateien und Ordner an\n"
+        "  --anlegen          legt fehlende Dateien und Ordner an, auch eine leere TV-Datenbank\n"
+        "  --beispiel         trägt in eine leere TV-Datenbank ein erfundenes Programm für 14 Tage ein\n"
+        "  --erststart        wie --anlegen; gab es keine TV-Datenbank, hat die neue das Beispielprogramm\n"
         "  --setze NAME=WERT  ändert eine Einstellung\n"
         "  --zeige [NAME]     zeigt alle Einstellungen oder eine\n"
         "\n"

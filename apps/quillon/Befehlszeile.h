@@ -21,6 +21,8 @@ class Gebrauchsfehler : public std::runtime_error {
 };
 
 struct Anlegen {};
+struct Erststart {};  // Anlegen for a newcomer: a new database gets the example guide
+struct Beispiel {};
 struct Setze {
     const Einstellungszeile* zeile;
     Variant wert;
@@ -31,7 +33,7 @@ struct Anfuegen {
 struct Zeige {
     const Einstellungszeile* zeile;  // null: all
 };
-using Auftrag = std::variant<Anlegen, Setze, Anfuegen, Zeige>;
+using Auftrag = std::variant<Anlegen, Erststart, Beispiel, Setze, Anfuegen, Zeige>;
 
 struct Befehl {
     bool hilfe = false;                 // nothing else is asked for then

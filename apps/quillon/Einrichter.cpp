@@ -5,6 +5,7 @@
 
 #include "platform/Fehler.h"
 #include "platform/Text.h"
+#include "tvdb/Einstellungstabelle.h"
 #include "tvdb/Guidekonfiguration.h"
 #include "tvdb/ModulGrundbefehle.h"
 
@@ -60,11 +61,12 @@ Variant mitSpalte(const Variant& bisher, const GespeicherterTermin& termin) {
 
 }  // namespace
 
-Einrichter::Einrichter(Dateisystem& dateien, std::string programmordner, std::ostream& ausgabe,
+Einrichter::Einrichter(const Ports& ports, std::string programmordner, std::ostream& ausgabe,
                        std::ostream& hinweise)
-    : dateien_(dateien),
+    : dateien_(ports.dateien),
       programmordner_(ModulGrundbefehle::PfadMitBackslash(programmordner)),
-      einstellungen_(dateien, programmordner_),
+      einstellungen_(ports.dateien, programmordner_),
+      fernsehdatenbank_(ports, einstellungen_, programmordner_),
       ausgabe_(ausgabe),
       hinweise_(hinweise) {}
 
@@ -72,9 +74,58 @@ void Einrichter::erledige(const Auftrag& auftrag) {
     std::visit([this](const auto& a) { tue(a); }, auftrag);
 }
 
-// ---- --anlegen ----
+// ---- --anlegen, --erststart, --beispiel ----
 
 void Einrichter::tue(const Anlegen&) {
+    legeAllesAusserDatenbankAn();
+    const auto pfad = fehlendeDatenbank();
+    if (pfad && fernsehdatenbank_.anlegen(*pfad))
+        ausgabe_ << "Angelegt: " << dateien_.pfadAnzeige(*pfad) << "\n";
+}
+
+// A database that was set up elsewhere may only be out of reach for now, and nobody who has one wants to see
+// an invented guide: the program asks for it.
+void Einrichter::tue(const Erststart&) {
+    legeAllesAusserDatenbankAn();
+    const auto pfad = fehlendeDatenbank();
+    Fernsehdatenbank::Umfang umfang;
+    if (pfad != lokaleDatenbank() || !fernsehdatenbank_.anlegenMitBeispiel(*pfad, umfang)) return;
+    ausgabe_
+        << "Es gab noch keine TV-Datenbank. Die neue enthält ein erfundenes Programm zum Ausprobieren:\n  "
+        << dateien_.pfadAnzeige(*pfad) << "\n";
+    meldeBeispiel(umfang);
+}
+
+void Einrichter::tue(const Beispiel&) {
+    const auto pfad = vorhandeneDatenbank();
+    if (!pfad) misslungen("Es gibt noch keine TV-Datenbank. \"quillon --anlegen\" legt eine an.");
+    meldeBeispiel(fernsehdatenbank_.beispielEintragen(*pfad));
+}
+
+void Einrichter::meldeBeispiel(const Fernsehdatenbank::Umfang& umfang) {
+    ausgabe_ << "Beispielprogramm: " << umfang.sender << " Sender, " << umfang.sendungen << " Sendungen vom "
+             << Format(umfang.erste, "dd.mm.yyyy") << " bis zum " << Format(umfang.letzte, "dd.mm.yyyy")
+             << ".\n";
+}
+
+// The one that the program would open; it asks before it takes the local one in place of another.
+std::optional<std::string> Einrichter::vorhandeneDatenbank() {
+    for (const std::string& pfad :
+         {liesKonfiguration(einstellungen_, programmordner_).datenbank, lokaleDatenbank()}) {
+        if (ModulGrundbefehle::DateiExistiert(dateien_, pfad)) return pfad;
+    }
+    return std::nullopt;
+}
+
+// Where a database is to be made; nothing when there is one, or when settings that can't be read might name
+// it.
+std::optional<std::string> Einrichter::fehlendeDatenbank() {
+    const bool unlesbar = einstellungen_.EinstellungsdateiVorhanden() && !einstellungen_.arrayOderNichts();
+    if (unlesbar || vorhandeneDatenbank()) return std::nullopt;
+    return liesKonfiguration(einstellungen_, programmordner_).datenbank;
+}
+
+void Einrichter::legeAllesAusserDatenbankAn() {
     legeEinstellungenAn();
     legeGuidekonfigurationAn();
     legeOrdnerAn("Hyperlinks");

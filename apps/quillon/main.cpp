@@ -1,5 +1,5 @@
-// quillon: creates and changes the settings of the suite on the command line. Exit codes: 0 done, 1 error, 2
-// wrong usage.
+// quillon: creates and changes the settings of the suite on the command line, and its database where there is
+// none. Exit codes: 0 done, 1 error, 2 wrong usage.
 
 #include <algorithm>
 #include <exception>
@@ -12,7 +12,8 @@
 
 #include "Befehlszeile.h"
 #include "Einrichter.h"
-#include "desktop/LinuxDateisystem.h"
+#include "Konsolenports.h"
+#include "desktop/LinuxUhr.h"
 #include "desktop/Pfade.h"
 #include "desktop/Programmordner.h"
 #include "platform/Fehler.h"
@@ -29,13 +30,15 @@ constexpr int kFalscherGebrauch = 2;
     throw Fehler(fehlernummer::kPfadNichtGefunden, "quillon", "Der Ordner \"" + ordner + "\" ist nicht da.");
 }
 
-// The folder in the form of the logic, current afterwards. One that was named is made only with --anlegen: a
-// mistyped name should not leave a second set of files behind.
+// The folder in the form of the logic, current afterwards. One that was named is made only together with its
+// files: a mistyped name should not leave a second set of them behind.
 std::string programmordnerFuer(const Befehl& befehl, Dateisystem& dateien) {
     std::optional<std::string> ordner;
     if (befehl.ordner) {
         ordner = logischerPfad(std::filesystem::absolute(*befehl.ordner).string());
-        const auto istAnlegen = [](const Auftrag& a) { return std::holds_alternative<Anlegen>(a); };
+        const auto istAnlegen = [](const Auftrag& a) {
+            return std::holds_alternative<Anlegen>(a) || std::holds_alternative<Erststart>(a);
+        };
         const bool anlegen = std::any_of(befehl.auftraege.begin(), befehl.auftraege.end(), istAnlegen);
         if (anlegen && !dateien.ordnerAnlegen(*ordner)) {
             throw Fehler(fehlernummer::kEigener, "quillon",
@@ -52,8 +55,12 @@ std::string programmordnerFuer(const Befehl& befehl, Dateisystem& dateien) {
 }
 
 void fuehreAus(const Befehl& befehl) {
-    LinuxDateisystem dateien;
-    Einrichter einrichter(dateien, programmordnerFuer(befehl, dateien), std::cout, std::cerr);
+    std::string meldung;
+    const auto uhr = LinuxUhr::ausUmgebung(meldung);
+    if (!uhr) throw Gebrauchsfehler(meldung);
+    const Konsolenports ports(*uhr);
+    Einrichter einrichter(ports.ports(), programmordnerFuer(befehl, ports.ports().dateien), std::cout,
+                          std::cerr);
     for (const Auftrag& auftrag : befehl.auftraege)
         einrichter.erledige(auftrag);
     if (!std::cout.flush()) throw Fehler(fehlernummer::kEigener, "quillon", "Die Ausgabe ist nicht möglich.");

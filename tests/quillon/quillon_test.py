@@ -4,13 +4,21 @@ the suite's programs share (little-endian, variant type first, strings in Window
     python3 quillon_test.py PATH_TO_QUILLON [unittest arguments]
 """
 
+import csv
+import hashlib
 import os
+import resource
+import shutil
+import signal
 import struct
 import subprocess
 import sys
 import tempfile
+import time
 import unittest
 from pathlib import Path
+
+EXAMPLE = Path(__file__).resolve().parents[3] / "shared/data/tvdaten-klein.mdb"
 
 QUILLON = None
 
@@ -86,7 +94,7 @@ class Tool(unittest.TestCase):
 
     def run_tool(self, *arguments, code=0, ordner=True, **options):
         command = [QUILLON] + (["--ordner", str(self.ordner)] if ordner else []) + list(arguments)
-        result = subprocess.run(command, capture_output=True, timeout=20, check=False, **options)
+        result = subprocess.run(command, capture_output=True, timeout=60, check=False, **options)
         self.assertEqual(result.returncode, code, result.stderr.decode())
         return result.stdout.decode(), result.stderr.decode()
 
@@ -104,10 +112,10 @@ class Tool(unittest.TestCase):
 class Creating(Tool):
     def test_makes_what_is_missing_and_says_so_once(self):
         out, _ = self.run_tool("--anlegen")
-        self.assertEqual(self.files(), ["Hyperlinks", "Sender", "fennow.cfg", "kestrin.cfg"])
+        self.assertEqual(self.files(), ["Hyperlinks", "Sender", "fennow.cfg", "kestrin.cfg", "tvdaten.mdb"])
         self.assertEqual(self.cfg.read_bytes(), self.elements())
         self.assertEqual((self.ordner / "kestrin.cfg").read_bytes(), b"appname=Kestrin Pirrow\r\n")
-        names = ["fennow.cfg", "kestrin.cfg", "Hyperlinks", "Sender"]
+        names = ["fennow.cfg", "kestrin.cfg", "Hyperlinks", "Sender", "tvdaten.mdb"]
         self.assertEqual(out, "".join(f"Angelegt: {self.ordner}/{name}\n" for name in names))
         self.assertEqual(self.run_tool("--anlegen"), ("", ""))
 
@@ -115,7 +123,7 @@ class Creating(Tool):
         (self.ordner / "KESTRIN.CFG").write_text("appname=Anders\n")
         self.cfg.write_bytes(array([text("x")], lower=5))
         self.run_tool("--anlegen")
-        self.assertEqual(self.files(), ["Hyperlinks", "KESTRIN.CFG", "Sender", "fennow.cfg"])
+        self.assertEqual(self.files(), ["Hyperlinks", "KESTRIN.CFG", "Sender", "fennow.cfg", "tvdaten.mdb"])
         self.assertEqual(self.cfg.read_bytes(), array([text("x")], lower=5))
 
     def test_leaves_an_unreadable_settings_file_and_says_so(self):
@@ -150,6 +158,149 @@ class Creating(Tool):
         environment = dict(os.environ, WENDEL_ORDNER=str(self.ordner / "x"))
         self.run_tool("--anlegen", ordner=False, env=environment)
         self.assertTrue((self.ordner / "x" / "fennow.cfg").is_file())
+
+
+def digests(folder):
+    """Every file below the folder with what it holds."""
+    return {str(path.relative_to(folder)): hashlib.sha256(path.read_bytes()).hexdigest()
+            for path in Path(folder).rglob("*") if path.is_file()}
+
+
+@unittest.skipUnless(shutil.which("mdb-export"), "mdbtools are not installed")
+class Database(Tool):
+    """What other readers see of the databases made here."""
+
+    NOW = dict(os.environ, WENDEL_UHR="2026-11-23 17:32:11", WENDEL_RECHNER="PC-BUERO", TZ="Europe/Berlin")
+
+    @classmethod
+    def setUpClass(cls):
+        cls.filled = tempfile.TemporaryDirectory()
+        command = [QUILLON, "--ordner", cls.filled.name, "--erststart"]
+        cls.said = subprocess.run(command, env=cls.NOW, capture_output=True, check=True, timeout=60).stdout.decode()
+
+    @classmethod
+    def tearDownClass(cls):
+        cls.filled.cleanup()
+
+    def rows(self, table, file=None):
+        file = file or Path(self.filled.name, "tvdaten.mdb")
+        options = ["-D", "%Y-%m-%d %H:%M:%S", "-T", "%Y-%m-%d %H:%M:%S"]
+        out = subprocess.run(["mdb-export", *options, file, table], capture_output=True, check=True)
+        return list(csv.DictReader(out.stdout.decode().splitlines(keepends=True)))
+
+    def schema(self, file):
+        """Tables with their columns in order, then the indexes, which have no order."""
+        out = subprocess.run(["mdb-schema", "--indexes", file, "postgres"], capture_output=True, check=True)
+        lines = out.stdout.decode().splitlines()
+        indexes = [line for line in lines if "INDEX" in line or "CONSTRAINT" in line]
+        return [line for line in lines if line not in indexes], sorted(indexes)
+
+    @unittest.skipUnless(EXAMPLE.exists(), f"{EXAMPLE} is not there")
+    def test_has_the_tables_and_indexes_of_the_suite(self):
+        self.run_tool("--anlegen")
+        self.maxDiff = None
+        self.assertEqual(self.schema(self.ordner / "tvdaten.mdb"), self.schema(EXAMPLE))
+        for table in ("Sender", "Sendungen", "SendungenDetails", "Markierungen"):
+            self.assertEqual(self.rows(table, self.ordner / "tvdaten.mdb"), [])
+
+    def test_example_guide_is_said_and_read_by_others(self):
+        sendungen = self.rows("Sendungen")
+        self.assertEqual(
+            self.said.splitlines()[-3:],
+            ["Es gab noch keine TV-Datenbank. Die neue enthält ein erfundenes Programm zum Ausprobieren:",
+             f"  {self.filled.name}/tvdaten.mdb",
+             f"Beispielprogramm: 14 Sender, {len(sendungen)} Sendungen vom 22.11.2026 bis zum 06.12.2026."])
+        self.assertGreater(len(sendungen), 6000)
+        self.assertEqual([int(row["Pos"]) for row in sendungen], list(range(1, len(sendungen) + 1)))
+        details = self.rows("SendungenDetails")
+        self.assertEqual([row["Pos"] for row in details], [row["Pos"] for row in sendungen])
+        self.assertTrue(all(len(row["Beschreibung"]) > 10 for row in details if row["Beschreibung"] != "Es knistert."))
+        sender = self.rows("Sender")
+        self.assertEqual({row["Senderkennung"] for row in sender}, {row["SenderKennung"] for row in sendungen})
+        self.assertIn("11 Bühnenlicht", [row["Bezeichnung"] for row in sender])
+        films = [row for row in sendungen if row["Titel"] == "Das Mädchen mit der Laterne"]
+        self.assertTrue(films and all(row["Genre"] == "Märchen" and row["KzFilm"] == "1" for row in films))
+
+    def test_marks_belong_to_this_computer_and_to_broadcasts(self):
+        marks = self.rows("Markierungen")
+        titles = {row["Pos"]: row["Titel"] for row in self.rows("Sendungen")}
+        self.assertEqual(len(marks), 4)
+        for mark in marks:
+            self.assertEqual((mark["User"], mark["Sendung"]), ("PC-BUERO", titles[mark["Pos"]]))
+        self.assertIn("Erinnerungszeit=202611231734;Wiederkehrend=0", [mark["Optionen"] for mark in marks])
+
+    def test_nothing_that_is_there_is_touched(self):
+        self.run_tool("--anlegen")
+        rows = [("own empty database", lambda: None),
+                ("any file of that name", lambda: (self.ordner / "tvdaten.mdb").write_bytes(b"x")),
+                ("other case", lambda: (self.ordner / "tvdaten.mdb").rename(self.ordner / "TVDATEN.MDB"))]
+        for name, prepare in rows:
+            with self.subTest(name):
+                prepare()
+                before = digests(self.ordner)
+                for switch in ("--anlegen", "--erststart"):
+                    self.assertEqual(self.run_tool(switch), ("", ""))
+                self.assertEqual(digests(self.ordner), before)
+
+    def test_guide_is_not_written_over_broadcasts(self):
+        before = digests(self.filled.name)
+        self.ordner = Path(self.filled.name)
+        _, err = self.run_tool("--beispiel", code=1)
+        self.assertIn("stehen schon Sender oder Sendungen", err)
+        self.assertEqual(digests(self.filled.name), before)
+
+    def test_guide_fills_an_empty_database(self):
+        _, err = self.run_tool("--beispiel", code=1)
+        self.assertIn("noch keine TV-Datenbank", err)
+        self.run_tool("--anlegen", "--beispiel", env=self.NOW)
+        self.assertEqual(self.rows("Sendungen", self.ordner / "tvdaten.mdb"), self.rows("Sendungen"))
+
+    def test_database_stands_where_the_settings_say(self):
+        (self.ordner / "anderswo").mkdir()
+        self.run_tool("--setze", f"Datenbank={self.ordner}/anderswo/meine.mdb")
+        self.run_tool("--erststart")  # the own one is only away for now
+        self.assertNotIn("tvdaten.mdb", self.files())
+        self.run_tool("--anlegen")
+        self.assertEqual([path.name for path in (self.ordner / "anderswo").iterdir()], ["meine.mdb"])
+        self.assertNotIn("tvdaten.mdb", self.files())
+
+    def test_unreadable_settings_bring_no_database(self):
+        self.cfg.write_bytes(b"This is no settings file.")
+        self.run_tool("--erststart")
+        self.assertNotIn("tvdaten.mdb", self.files())
+
+    def test_kill_leaves_no_half_database(self):
+        command = [QUILLON, "--ordner", str(self.ordner), "--erststart"]
+        target, unfinished = self.ordner / "tvdaten.mdb", self.ordner / "tvdaten.mdb.neu"
+        for pause in (0, 0.2):
+            process = subprocess.Popen(command, env=self.NOW, stdout=subprocess.DEVNULL)
+            while not unfinished.exists() and process.poll() is None:
+                time.sleep(0.001)
+            time.sleep(pause)
+            process.send_signal(signal.SIGKILL)
+            if process.wait() == 0:
+                self.skipTest("too fast to be killed")
+            self.assertFalse(target.exists())
+        self.run_tool("--erststart", env=self.NOW)
+        self.assertEqual(self.files(), ["Hyperlinks", "Sender", "fennow.cfg", "kestrin.cfg", "tvdaten.mdb"])
+        self.assertEqual(self.rows("Sendungen", target), self.rows("Sendungen"))
+
+    def test_full_disk_is_said_and_leaves_nothing(self):
+        def limit():
+            signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
+            resource.setrlimit(resource.RLIMIT_FSIZE, (1 << 20, 1 << 20))
+
+        _, err = self.run_tool("--erststart", code=1, preexec_fn=limit)
+        self.assertNotEqual(err, "")
+        self.assertEqual([name for name in self.files() if name.startswith("tvdaten")], [])
+
+    def test_two_at_once_make_one_database(self):
+        command = [QUILLON, "--ordner", str(self.ordner), "--erststart"]
+        both = [subprocess.Popen(command, env=self.NOW, stdout=subprocess.PIPE) for _ in range(2)]
+        said = [process.communicate(timeout=60)[0].decode() for process in both]
+        self.assertEqual([process.returncode for process in both], [0, 0])
+        self.assertEqual(sum("Es gab noch keine" in text for text in said), 1)
+        self.assertEqual(self.rows("Sendungen", self.ordner / "tvdaten.mdb"), self.rows("Sendungen"))
 
 
 class Setting(Tool):

@@ -1,0 +1,170 @@
+// The example guide: what a viewer would notice at once, on days of every kind.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "../../apps/quillon/Beispielplan.h"
+#include "../../apps/quillon/Beispielprogramm.h"
+#include "platform/Text.h"
+#include "tvdb/Optionen.h"
+
+namespace wendel::quillon {
+namespace {
+
+const Datum kMontag = DateSerial(2026, 11, 23) + TimeSerial(17, 32, 11);
+
+Beispielprogramm programm(Datum jetzt) { return beispielprogramm(jetzt, cSendung()); }
+
+std::map<std::string, std::vector<cSendung>> nachSender(const Beispielprogramm& p) {
+    std::map<std::string, std::vector<cSendung>> sender;
+    for (const cSendung& sendung : p.sendungen)
+        sender[sendung.SenderKennung].push_back(sendung);
+    return sender;
+}
+
+class Tage : public testing::TestWithParam<Datum> {};
+INSTANTIATE_TEST_SUITE_P(Beispiel, Tage,
+                         testing::Values(kMontag, DateSerial(2012, 2, 27),
+                                         DateSerial(2027, 1, 1) + TimeSerial(4, 59, 59),
+                                         DateSerial(2026, 3, 28) + TimeSerial(23, 59, 0)),
+                         [](const auto& zeile) { return datumKompakt(zeile.param); });
+
+TEST_P(Tage, EveryChannelRunsForFourteenDaysWithoutGapOrOverlap) {
+    const Datum erste = DateAdd(Einheit::Tag, -1, GetParam().datumsteil()) + TimeSerial(5, 0, 0);
+    const auto sender = nachSender(programm(GetParam()));
+    EXPECT_GE(sender.size(), 12U);
+    for (const auto& [kennung, sendungen] : sender) {
+        EXPECT_EQ(sendungen.front().Beginn, erste) << kennung;
+        EXPECT_EQ(sendungen.back().Ende, DateAdd(Einheit::Tag, 14, erste)) << kennung;
+        EXPECT_GE(sendungen.size(), 14U * 15U) << kennung;
+        for (std::size_t i = 0; i < sendungen.size(); ++i) {
+            const auto minuten = DateDiff(Einheit::Minute, sendungen[i].Beginn, sendungen[i].Ende);
+            EXPECT_EQ(sendungen[i].Dauer, std::to_string(minuten));
+            EXPECT_TRUE(minuten >= 5 && minuten <= 190)
+                << kennung << " " << sendungen[i].Titel << " " << minuten;
+            if (i > 0) {
+                EXPECT_EQ(sendungen[i].Beginn, sendungen[i - 1].Ende) << kennung << " " << sendungen[i].Titel;
+            }
+        }
+    }
+}
+
+TEST_P(Tage, EachDayHasOneTipInTheEvening) {
+    std::map<Datum, int> tipps;
+    for (cSendung& sendung : programm(GetParam()).sendungen) {
+        if (sendung.Bewertung != 4) continue;
+        ++tipps[sendung.Datum()];
+        EXPECT_EQ(sendung.Uhrzeit(), TimeSerial(20, 15, 0));
+    }
+    EXPECT_EQ(tipps.size(), 14U);
+    EXPECT_THAT(tipps, testing::Each(testing::Pair(testing::_, 1)));
+    EXPECT_EQ(tipps.begin()->first, DateAdd(Einheit::Tag, -1, GetParam().datumsteil()));
+}
+
+TEST_P(Tage, TextsFitTheirColumns) {
+    struct Spalte {
+        const char* name;
+        std::string cSendung::*wert;
+        std::size_t laenge;
+    };
+    const Spalte spalten[] = {
+        {"SenderKennung", &cSendung::SenderKennung, 20},
+        {"Titel", &cSendung::Titel, 100},
+        {"SendungID", &cSendung::SendungID, 20},
+        {"InhaltID", &cSendung::InhaltID, 20},
+        {"Showview", &cSendung::Showview, 20},
+        {"ShowviewVPS", &cSendung::ShowviewVPS, 20},
+        {"VPS", &cSendung::VPS, 10},
+        {"Kategorietext", &cSendung::Kategorietext, 50},
+        {"Dauer", &cSendung::Dauer, 10},
+        {"Genre", &cSendung::Genre, 50},
+        {"Herstellungsjahr", &cSendung::Herstellungsjahr, 10},
+        {"Herstellungsland", &cSendung::Herstellungsland, 50},
+        {"Originaltitel", &cSendung::Originaltitel, 100},
+        {"Regie", &cSendung::Regie, 100},
+        {"Bewertungen", &cSendung::Bewertungen, 100},
+        {"Kurzkritik", &cSendung::Kurzkritik, 255},
+        {"Keywords", &cSendung::Keywords, 255},
+    };
+    std::set<std::string> kennungen;
+    for (const cSendung& sendung : programm(GetParam()).sendungen) {
+        for (const Spalte& spalte : spalten) {
+            EXPECT_LE(zeichenzahl(sendung.*spalte.wert), spalte.laenge)
+                << spalte.name << ": " << sendung.*spalte.wert;
+            EXPECT_TRUE(istUtf8(sendung.*spalte.wert));
+        }
+        EXPECT_NE(sendung.Titel, "");
+        EXPECT_NE(sendung.Temp_Beschreibung, "");
+        EXPECT_TRUE(sendung.Temp_DetailsGeladen);
+        EXPECT_TRUE(kennungen.insert(sendung.SendungID).second) << sendung.SendungID;
+    }
+}
+
+TEST(Beispiel, TheSameDayIsTheSameWhenTheGuideIsMadeLater) {
+    const auto inhalt = [](const Beispielprogramm& p, Datum tag) {
+        std::vector<std::string> zeilen;
+        for (cSendung s : p.sendungen) {
+            if (s.Datum() == tag)
+                zeilen.push_back(s.SendungID + s.InhaltID + s.Titel + s.Showview + s.Beschreibung());
+        }
+        return zeilen;
+    };
+    const Datum tag = DateAdd(Einheit::Tag, 5, kMontag.datumsteil());
+    const auto zeilen = inhalt(programm(kMontag), tag);
+    EXPECT_GT(zeilen.size(), 300U);
+    EXPECT_EQ(zeilen, inhalt(programm(DateAdd(Einheit::Tag, 4, kMontag)), tag));
+}
+
+TEST(Beispiel, SeriesComeBackOnWeekdaysWithTheNextEpisode) {
+    int letzte = 0, gezaehlt = 0;
+    for (const cSendung& sendung : programm(kMontag).sendungen) {
+        const Datumsteile t = zerlegt(sendung.Beginn);
+        if (sendung.SenderKennung != "TURM" || t.stunde != 16 || t.minute != 10) continue;
+        EXPECT_TRUE(t.wochentag > 1 && t.wochentag < 7) << Format(sendung.Beginn, "dddd");
+        EXPECT_EQ(sendung.Titel, "Ahornweg 12");
+        const int folge = std::stoi(Mid(sendung.Kurzbeschreibung, 7));
+        EXPECT_EQ(Left(sendung.Kurzbeschreibung, 6), "Folge ");
+        if (gezaehlt++ > 0) {
+            EXPECT_EQ(folge, letzte + 1);
+        }
+        letzte = folge;
+    }
+    EXPECT_EQ(gezaehlt, 10);
+}
+
+TEST(Beispiel, WhatIsForAdultsRunsAtNightAndRepeatsAreMarked) {
+    std::size_t wiederholungen = 0;
+    for (const cSendung& sendung : programm(kMontag).sendungen) {
+        const int stunde = zerlegt(sendung.Beginn).stunde;
+        EXPECT_TRUE(sendung.FSK < 16 || stunde >= 22 || stunde < 6) << sendung.Titel << " um " << stunde;
+        if (sendung.KzWiederholung) {
+            ++wiederholungen;
+            EXPECT_FALSE(sendung.KzLive) << sendung.Titel;
+        }
+    }
+    EXPECT_GT(wiederholungen, 1000U);
+}
+
+TEST(Beispiel, MarksAreOnFavouriteChannelsAndOneReminderComesSoon) {
+    const Beispielprogramm p = programm(kMontag);
+    std::vector<std::string> zeiten;
+    int wiederkehrend = 0;
+    for (const Beispielmarke& marke : p.marken) {
+        const cSendung& sendung = p.sendungen[marke.sendung];
+        EXPECT_TRUE(sendung.KzInFavoritenliste);
+        EXPECT_GT(sendung.Beginn, kMontag);
+        if (marke.erinnerung) zeiten.push_back(Optionen::GetOption(marke.optionen, "Erinnerungszeit"));
+        if (Optionen::GetOption(marke.optionen, "Wiederkehrend") == "1") ++wiederkehrend;
+    }
+    EXPECT_EQ(p.marken.size(), 4U);
+    EXPECT_THAT(zeiten, testing::ElementsAre("202611231734", "202611232005", testing::_));
+    EXPECT_EQ(wiederkehrend, 1);
+}
+
+}  // namespace
+}  // namespace wendel::quillon
