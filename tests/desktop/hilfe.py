@@ -141,7 +141,7 @@ class Lomrick:
             quelle = os.path.join(DATEN, datenbank)
             if not os.path.exists(quelle):
                 skip(f'{quelle} is not there')
-            shutil.copy(quelle, os.path.join(self.ordner, 'tvdaten.mdb'))
+            shutil.copyfile(quelle, os.path.join(self.ordner, 'tvdaten.mdb'))  # not its mode: the program writes it
         self.prozess = None
 
     def umgebung(self, uhr=None, **mehr):
