@@ -136,8 +136,9 @@ RealIndexPart realIndexOf(const Layout& layout, const DefinitionParts& parts, co
     if (spec.columns.empty()) throwSchemaError(jetfehler::kWrongIndexColumns, spec.name);
     RealIndexPart real;
     for (const auto& [name, descending] : spec.columns) {
-        const auto column = std::find_if(parts.columns.begin(), parts.columns.end(),
-                                         [&](const auto& c) { return gleichOhneGrossKlein(c.name, name); });
+        const auto column =
+            std::find_if(parts.columns.begin(), parts.columns.end(),
+                         [&wanted = name](const auto& c) { return gleichOhneGrossKlein(c.name, wanted); });
         if (column == parts.columns.end()) throwSchemaError(jetfehler::kWrongIndexColumns, name);
         if (column->block[0] == static_cast<std::uint8_t>(ColumnType::kOle)) {
             throwSchemaError(jetfehler::kWrongColumnType, name);

@@ -3,9 +3,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
-#include <fstream>
+#include <cstdlib>
 #include <functional>
 #include <map>
 #include <memory>
@@ -16,7 +17,6 @@
 
 #include "jet/storage/Bytes.h"
 #include "jet/storage/Catalog.h"
-#include "jet/storage/CellEncoder.h"
 #include "jet/storage/FileCheck.h"
 #include "jet/storage/ReadEverything.h"
 #include "jet/storage/Schema.h"
@@ -416,10 +416,8 @@ TEST_P(WritingTest, PageMapsGrowWithTheFile) {
     PageAllocator allocator(written.file());
     UsageMapRows rows(written.file(), allocator);
     const RowPointer map = rows.add();
-    std::set<std::uint32_t> pages = {7, 500};
     for (const std::uint32_t page : {7u, 500u, 40000u, 130000u, 524287u}) {
         addToUsageMap(written.file(), allocator, map, page);
-        pages.insert(page);
         EXPECT_TRUE(inUsageMap(written.file(), map, page));
         EXPECT_FALSE(inUsageMap(written.file(), map, page - 1));
     }
@@ -430,7 +428,7 @@ TEST_P(WritingTest, PageMapsGrowWithTheFile) {
 
 // A reference that leads to somebody else's value, or nowhere, must not take that value away.
 TEST_P(WritingTest, DamagedReferencesReleaseNothing) {
-    const std::string text(3000, 'x'), other(300, 'y');
+    const std::string other(300, 'y');
     for (const std::uint32_t wrong : {0u, 1u, 2u, 0xFFFFFFu}) {
         Writable written(GetParam(), {{"O", ColumnType::kOle}});
         const RowId victim = written.insert({KeyBytes{other}});
