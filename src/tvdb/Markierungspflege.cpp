@@ -89,9 +89,23 @@ bool istGesetzt(const Markierung& markierung, std::string_view schluessel) {
     return Optionen::GetOption(markierung.optionen, schluessel, "0") == "1";
 }
 
+// False for a title with a "[" that no pattern may have: unclosed, or with a range, which may run backwards
+// as in "[SAT-1]". The search would fail, in a box, in each run.
+bool istMuster(std::string_view titel) {
+    while (true) {
+        const std::size_t auf = titel.find('[');
+        if (auf == std::string_view::npos) return true;
+        const std::size_t zu = titel.find(']', auf);
+        if (zu == std::string_view::npos || titel.substr(auf, zu - auf).find('-') != std::string_view::npos)
+            return false;
+        titel.remove_prefix(zu);
+    }
+}
+
 // A title with a subtitle or an episode stands for all titles that begin like it.
 std::string titelbedingung(const std::string& titel) {
-    if (titel.find_first_of(":/") == std::string::npos) return " and Titel=" + SqlText(titel);
+    if (titel.find_first_of(":/") == std::string::npos || !istMuster(titel))
+        return " and Titel=" + SqlText(titel);
     return " and Titel like '" + ersetzt(titel, "'", "''") + "*'";
 }
 

@@ -32,9 +32,11 @@ class Markierungspflege {
         bool erinnerungVersaeumt = false;
     };
 
-    // One run over the database, opened and closed for it. listen is replaced once the favourites are read,
-    // and gets each mark that is added. The first statement that fails ends the run: what came before it
-    // stays done, and its Fehler is thrown.
+    // One run over the database, opened and closed for it. A recurring mark whose title has ":" or "/" stands
+    // for all titles that begin like it, as far as the title can be a pattern; every other for its title
+    // only. Titles are stored whole: in the suite's databases those of marks are as long as those of
+    // broadcasts. listen is replaced once the favourites are read, and gets each mark that is added. The
+    // first statement that fails ends the run: what came before it stays done, and its Fehler is thrown.
     Ergebnis laufen(Datum jetzt, Markierungslisten& listen);
 
   private:

@@ -98,28 +98,25 @@ TEST_F(MarkierungspflegeTest, AlleAnweisungenInIhrerReihenfolge) {
             kMax, kFavoriten, "Select Pos from Markierungen", suche,
             " Select * from Markierungen Where User='KAI''S' and   Pos=70",
             std::string(kEinfuegen) +
-                "70,'Krimi: O''Hara II','ARD',#12/25/2012#,#12/30/1899 0:05:00#,'45',true,-1,"
-                "'Wiederkehrend=1;SenderEgal=1;OhneWiederholung=1;Erinnerungszeit="
-                "201212242355',0,'S1','',0,0)",
-            " Delete from Markierungen Where User='KAI''S'  and  "
-            "Dateadd('n',val(Dauer),Datum+Uhrzeit)<#12/24/2012 "
-            "20:00:00#  and  Optionen not Like '*Wiederkehrend=1*'",
+                "70,'Krimi: O''Hara II','ARD',#12/25/2012#,#12/30/1899 "
+                "0:05:00#,'45',true,-1,'Wiederkehrend=1;"
+                "SenderEgal=1;OhneWiederholung=1;Erinnerungszeit=201212242355',0,'S1','',0,0)",
+            " Delete from Markierungen Where User='KAI''S'  and  Dateadd('n',val(Dauer),Datum+Uhrzeit)<"
+            "#12/24/2012 20:00:00#  and  Optionen not Like '*Wiederkehrend=1*'",
             " Delete from Markierungen Where User='KAI''S'  and  Datum<#12/17/2012#  and  Optionen not Like "
             "'*Wiederkehrend=1*'",
             gruppen, ids,
             " Delete from Markierungen Where User='KAI''S'  and  Datum<#12/17/2012#  and  Optionen Like "
             "'*Wiederkehrend=1*'  and  ID not in(3,5)",
-            "Update Sendungen right join Markierungen on Sendungen.Pos = Markierungen.Pos Set "
-            "Markierungen.Pos = 0 "
-            "Where Sendungen.Pos Is Null",
+            "Update Sendungen right join Markierungen on Sendungen.Pos = Markierungen.Pos "
+            "Set Markierungen.Pos = 0 Where Sendungen.Pos Is Null",
             kKennzeichen,
             "Update Sendungen Set KzInFavoritenListe=-1 Where KzInFavoritenListe=0 and Pos in (7,8);",
             "Update Sendungen Set KzInFavoritenListe=0 Where KzInFavoritenListe=-1 and not Pos in (7,8);",
             kDoppelte,
-            " Delete from Markierungen Where User='KAI''S'  and  Sendung='Film'  and  Senderkennung='ZDF'  "
-            "and  "
-            "Datum+Uhrzeit=#12/24/2012 21:00:00#  and  Dauer='90'  and  Favorit=-1  and  Erinnerung=0  and  "
-            "Pos=0"));
+            " Delete from Markierungen Where User='KAI''S'  and  Sendung='Film'  and  Senderkennung='ZDF'"
+            "  and  Datum+Uhrzeit=#12/24/2012 21:00:00#  and  Dauer='90'  and  Favorit=-1  and  Erinnerung=0"
+            "  and  Pos=0"));
     EXPECT_EQ(listen.favoriten + listen.erinnerungen + listen.aufzeichnungen, ";7;8;70;;7;70;;8;");
     EXPECT_EQ(zustand->offen() + zustand->recordsetsOffen(), 0);
 }
@@ -143,37 +140,46 @@ TEST_F(MarkierungspflegeTest, LeereTabellenUndFehlerKuerzenDenLauf) {
     EXPECT_EQ(zustand->offen(), 0);
 }
 
+// Titles that no pattern may be: the failing search would end each run.
+TEST_F(MarkierungspflegeTest, TitelSindMusterWoSieKoennen) {
+    const std::pair<const char*, const char*> faelle[] = {
+        {"a/b [Wdh.]", " and Titel like 'a/b [Wdh.]*'"},
+        {"a: [b", " and Titel='a: [b'"},
+        {"a: [b] [SAT-1]", " and Titel='a: [b] [SAT-1]'"},
+    };
+    for (const auto& [titel, bedingung] : faelle) {
+        zustand->vorgaenge.clear();
+        favoriten(
+            {{n(7), t(titel), t("ZDF"), tag(12, 24), zeit(21, 0), ja(true), t("Wiederkehrend=1"), ja(true)}});
+        laufen();
+        EXPECT_EQ(zustand->anweisungen().at(3), std::string(kSuche) + bedingung +
+                                                    " and Senderkennung='ZDF' and Beginn>=" + kJetzt +
+                                                    " Order by Beginn;");
+    }
+}
+
 // The new mark's options after the old one's, which began on 20 December at 20:15 as the broadcast does on
 // the 24th. Plain cases are those of the example database.
 TEST_F(MarkierungspflegeTest, ErinnerungRuecktMitDerSendung) {
-    const struct {
-        const char* optionen;
-        bool erinnerung;
-        const char* neueOptionen;
-        bool versaeumt;
-    } faelle[] = {
-        {"SenderEgal=1|wiederkehrend=1|Erinnerungszeit=201212202015", true,
-         "SenderEgal=1|wiederkehrend=1|Erinnerungszeit=201212242015", false},
-        {"SenderEgal=1;Wiederkehrend=1", true, "SenderEgal=1;Wiederkehrend=1;Erinnerungszeit=201212242015",
-         false},
-        {"Erinnerungszeit=201213;Wiederkehrend=1;SenderEgal=1", true,
-         "Erinnerungszeit=201212242015;Wiederkehrend=1;SenderEgal=1", false},
-        {"SenderEgal=1;Wiederkehrend=1;Erinnerungszeit=201212201959", true,
-         "SenderEgal=1;Wiederkehrend=1;Erinnerungszeit=201212241959", true},
-        {"SenderEgal=1;Wiederkehrend=1;Erinnerungszeit=201212191959", false,
-         "SenderEgal=1;Wiederkehrend=1;Erinnerungszeit=201212231959", false},
+    const std::array<const char*, 2> faelle[] = {
+        {"SenderEgal=1|wiederkehrend=1|Erinnerungszeit=201212202015",
+         "SenderEgal=1|wiederkehrend=1|Erinnerungszeit=201212242015"},
+        {"SenderEgal=1;Wiederkehrend=1", "SenderEgal=1;Wiederkehrend=1;Erinnerungszeit=201212242015"},
+        {"Erinnerungszeit=201213;Wiederkehrend=1;SenderEgal=1",
+         "Erinnerungszeit=201212242015;Wiederkehrend=1;SenderEgal=1"},
+        {"SenderEgal=1;Wiederkehrend=1;Erinnerungszeit=201212201959",
+         "SenderEgal=1;Wiederkehrend=1;Erinnerungszeit=201212241959"},
     };
     gefunden(std::string(kSuche) + " and Titel like 'Uhr/Zeit*' and Beginn>=" + kJetzt + " Order by Beginn;",
              70, "Uhr/Zeit", DateSerial(2012, 12, 24) + TimeSerial(20, 15, 0));
-    for (const auto& fall : faelle) {
+    for (const auto& [optionen, neue] : faelle) {
         zustand->vorgaenge.clear();
-        const std::vector<Variant> zeile = {n(7),         t("Uhr/Zeit"),       t("ZDF"),         tag(12, 20),
-                                            zeit(20, 15), ja(fall.erinnerung), t(fall.optionen), ja(false)};
+        const std::vector<Variant> zeile = {n(7),         t("Uhr/Zeit"), t("ZDF"),    tag(12, 20),
+                                            zeit(20, 15), ja(true),      t(optionen), ja(false)};
         favoriten({zeile, zeile});
-        EXPECT_EQ(laufen(), fall.versaeumt) << fall.optionen;
-        EXPECT_THAT(
-            zustand->anweisungen(),
-            testing::Contains(testing::HasSubstr(std::string(",'") + fall.neueOptionen + "',")).Times(1));
+        EXPECT_EQ(laufen(), std::string(neue).ends_with("1959")) << "before now";
+        const std::string erwartet = std::string(",'") + neue + "',";
+        EXPECT_THAT(zustand->anweisungen(), testing::Contains(testing::HasSubstr(erwartet)).Times(1));
     }
 }
 
