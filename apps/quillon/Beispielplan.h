@@ -2,18 +2,12 @@
 // The example guide's channels and the rhythm of their days: which kind of programme starts when. Tables
 // only.
 
-#include <cstdint>
 #include <span>
 #include <string_view>
 
 #include "Beispieltexte.h"
 
 namespace wendel::quillon {
-
-// Days of the week as bits.
-using Tage = std::uint8_t;
-inline constexpr Tage kMo = 1, kDi = 2, kMi = 4, kDo = 8, kFr = 16, kSa = 32, kSo = 64;
-inline constexpr Tage kMoFr = kMo | kDi | kMi | kDo | kFr, kSaSo = kSa | kSo, kAlle = kMoFr | kSaSo;
 
 // What a stretch of the day is filled with. Wiederholung shows again what began at the time given in
 // nummer, of today when that lies earlier in the day, else of the last day that had it.

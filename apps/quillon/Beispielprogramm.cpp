@@ -3,10 +3,12 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <set>
 #include <span>
 #include <string_view>
+#include <utility>
 
 #include "Beispieltexte.h"
 #include "Sendeplan.h"
@@ -21,6 +23,8 @@ namespace {
 constexpr std::int64_t kSekundenJeTag = 86400;
 constexpr std::int16_t kTagestipp = 4;
 constexpr int kErinnerungVorher = 10;  // minutes
+// Whatever the channel has shown within so many days is a repeat.
+constexpr std::int64_t kWiederholungstage = 7;
 
 // What the guide calls each kind, and what its broadcasts are like.
 struct Rubrikart {
@@ -126,7 +130,7 @@ class Sendungsbau {
                              ziffern(teile_.stunde, 2) + ziffern(teile_.minute, 2);
     }
 
-    cSendung baue(bool wiederholung) {
+    cSendung baue() {
         titel();
         leute();
         herkunft();
@@ -134,8 +138,6 @@ class Sendungsbau {
         bewertung();
         aufnahmenummern();
         kennzeichen();
-        sendung_.KzWiederholung = wiederholung;
-        sendung_.KzLive = art_.live && !wiederholung;
         return std::move(sendung_);
     }
 
@@ -270,6 +272,8 @@ class Sendungsbau {
     }
 
     void kennzeichen() {
+        sendung_.KzWiederholung = gezeigt_.wiederholung;
+        sendung_.KzLive = art_.live && !gezeigt_.wiederholung;
         const bool vielGesehen = gezeigt_.beginn >= 17 * 60 && gezeigt_.beginn < 24 * 60;
         sendung_.KzFilm = istFilm();
         sendung_.Kz16zu9 = vonJahr(1998);
@@ -303,13 +307,16 @@ void haengeSenderAn(std::vector<cSendung>& sendungen, std::size_t nummer, std::i
                     const cSendung& vorlage) {
     const Beispielsender& sender = beispielsender()[nummer];
     Sendeplan plan(nummer);
-    std::set<std::uint64_t> gesehen;
-    for (std::int64_t tag = ersterTag; tag < ersterTag + kBeispieltage; ++tag) {
+    std::map<std::uint64_t, std::int64_t> zuletzt;  // day on which a content was shown last
+    // Also before the first day: what is a repeat on a day must not depend on when the guide is made.
+    for (std::int64_t tag = ersterTag - kWiederholungstage; tag < ersterTag + kBeispieltage; ++tag) {
         const Datum tagesanfang = Datum::ausSekunden(tag * kSekundenJeTag);
-        for (const Ausstrahlung& ausstrahlung : plan.tag(tag)) {
-            const bool schonGezeigt = !gesehen.insert(ausstrahlung.inhalt).second;
-            sendungen.push_back(Sendungsbau(sender, nummer, ausstrahlung, tagesanfang, vorlage)
-                                    .baue(ausstrahlung.wiederholung || schonGezeigt));
+        for (Ausstrahlung& ausstrahlung : plan.tag(tag)) {
+            const auto [frueher, erstmals] = zuletzt.try_emplace(ausstrahlung.inhalt, tag);
+            if (!erstmals && tag - std::exchange(frueher->second, tag) <= kWiederholungstage)
+                ausstrahlung.wiederholung = true;
+            if (tag < ersterTag) continue;
+            sendungen.push_back(Sendungsbau(sender, nummer, ausstrahlung, tagesanfang, vorlage).baue());
         }
     }
 }

@@ -22,7 +22,7 @@ constexpr auto kWerke = std::to_array<Werk>({
      "Reporter sind unterwegs zwischen Dorfplatz und Großstadt und erzählen, was die Menschen bewegt."},
     {Magazin, "Die Lupe", "", "Politmagazin", "D", 0, 0, 45,
      "Hintergründe, Recherchen und unbequeme Fragen zu den Themen der Woche."},
-    {Magazin, "Kaleidoskop am Nachmittag", "", "Boulevardmagazin", "D", 0, 0, 45,
+    {Magazin, "Kaleidoskop", "", "Boulevardmagazin", "D", 0, 0, 45,
      "Menschen, Geschichten und bunte Meldungen aus aller Welt."},
     {Magazin, "Markt und Münze", "", "Wirtschaftsmagazin", "D", 0, 0, 30,
      "Was Preise, Löhne und Börsenkurse für den eigenen Geldbeutel bedeuten."},
@@ -68,7 +68,7 @@ constexpr auto kWerke = std::to_array<Werk>({
     {Quiz, "Land in Sicht", "", "Quiz", "D", 0, 0, 45, "Das Quiz rund um Länder, Flüsse und Hauptstädte."},
 
     {Show, "Die große Samstagsbühne", "", "Show", "D", 0, 0, 150,
-     "Musik, Artistik und Überraschungsgäste: Familienunterhaltung im großen Saal."},
+     "Musik, Artistik und Überraschungsgäste: Familienunterhaltung im großen Saal.", kSa},
     {Show, "Abend der Stimmen", "", "Musikshow", "D", 0, 0, 120,
      "Chöre aus dem ganzen Land treten gegeneinander an, das Publikum entscheidet."},
     {Show, "Kleinkunst, große Klappe", "", "Kabarett", "D", 0, 0, 60,

@@ -2,10 +2,16 @@
 // The invented titles, people and sentences from which the example guide is put together: tables only. What
 // is shown when stands in Beispielplan, how both become broadcasts in Beispielprogramm.
 
+#include <cstdint>
 #include <span>
 #include <string_view>
 
 namespace wendel::quillon {
+
+// Days of the week as bits.
+using Tage = std::uint8_t;
+inline constexpr Tage kMo = 1, kDi = 2, kMi = 4, kDo = 8, kFr = 16, kSa = 32, kSo = 64;
+inline constexpr Tage kMoFr = kMo | kDi | kMi | kDo | kFr, kSaSo = kSa | kSo, kAlle = kMoFr | kSaSo;
 
 enum class Rubrik {
     Nachrichten,  // the title is the channel's own
@@ -42,6 +48,7 @@ struct Werk {
     int fsk;      // 0: for everybody
     int minuten;  // usual length
     std::string_view text;
+    Tage tage = kAlle;  // on which it is new, when its title or text names them; repeats may come on any
 };
 std::span<const Werk> werke();
 

@@ -63,6 +63,14 @@ void raeumeWeg(const std::string& pfad) {
 
 Variant text(std::string_view wert) { return Variant::text(std::string(wert)); }
 
+// As a list of SQL literals.
+std::string eigeneKennungen() {
+    std::string liste;
+    for (const Beispielsender& sender : beispielsender())
+        liste += (liste.empty() ? "" : ",") + SqlText(std::string(sender.kennung));
+    return liste;
+}
+
 // The order of the columns is that of the marks maintenance.
 std::string markenbefehl(const std::string& benutzer, const cSendung& sendung, const Beispielmarke& marke) {
     return "Insert Into Markierungen (User,Pos,Sendung,Senderkennung,Datum,Uhrzeit,Dauer,Favorit,Erinnerung,"
@@ -129,7 +137,8 @@ void Fernsehdatenbank::misslungen(const std::string& pfad) {
 Fernsehdatenbank::Umfang Fernsehdatenbank::beispielEintragen(const std::string& pfad) {
     const Ordnersperre sperre(pfad);
     auto db = zugriff_.OpenDatenbank(pfad);
-    if (!istLeer(db, "Sendungen") || !istLeer(db, "Sender")) {
+    raeumeUnfertigesWeg(db);
+    if (anzahl(db, "Sendungen") + anzahl(db, "Sender") > 0) {
         throw Fehler(fehlernummer::kEigener, "quillon",
                      "In \"" + ports_.dateien.pfadAnzeige(pfad) +
                          "\" stehen schon Sender oder Sendungen. Das Beispielprogramm wird nur in eine leere "
@@ -140,19 +149,31 @@ Fernsehdatenbank::Umfang Fernsehdatenbank::beispielEintragen(const std::string& 
     return umfang;
 }
 
-bool Fernsehdatenbank::istLeer(std::unique_ptr<Datenbank>& db, const std::string& tabelle) {
-    auto rs = zugriff_.SafeOpenRs(db, "Select Count(*) as Anzahl from " + tabelle, kSnapshot, kForwardOnly);
-    const bool leer = rs->feld("Anzahl").alsDouble() == 0;
+// The channels are written last: invented broadcasts without any channel are what a run that was killed has
+// left. Nobody else can have marked them, as no programme shows them.
+void Fernsehdatenbank::raeumeUnfertigesWeg(std::unique_ptr<Datenbank>& db) {
+    const double sendungen = anzahl(db, "Sendungen");
+    const std::string eigene = " Where Senderkennung in (" + eigeneKennungen() + ")";
+    if (sendungen == 0 || anzahl(db, "Sender") > 0 || anzahl(db, "Sendungen" + eigene) != sendungen) return;
+    for (const std::string& unfertig : {"Markierungen" + eigene, std::string("SendungenDetails"),
+                                        // The last, so that a further kill is recognised again.
+                                        "Sendungen" + eigene})
+        zugriff_.SafeExecute(db, "Delete from " + unfertig);
+}
+
+double Fernsehdatenbank::anzahl(std::unique_ptr<Datenbank>& db, const std::string& zeilen) {
+    auto rs = zugriff_.SafeOpenRs(db, "Select Count(*) as Anzahl from " + zeilen, kSnapshot, kForwardOnly);
+    const double wert = rs->feld("Anzahl").alsDouble();
     zugriff_.SafeCloseRs(rs);
-    return leer;
+    return wert;
 }
 
 // ---- the guide ----
 
 Fernsehdatenbank::Umfang Fernsehdatenbank::schreibe(std::unique_ptr<Datenbank>& db) {
-    schreibeSender(db);
     const Beispielprogramm programm = schreibeSendungen(db);
     schreibeMarken(db, programm);
+    schreibeSender(db);
     return {beispielsender().size(), programm.sendungen.size(), programm.sendungen.front().Beginn,
             programm.sendungen.back().Ende};
 }

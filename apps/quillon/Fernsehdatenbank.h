@@ -32,8 +32,8 @@ class Fernsehdatenbank {
     bool anlegen(const std::string& pfad);
     bool anlegenMitBeispiel(const std::string& pfad, Umfang& umfang);
 
-    // Writes the guide into a database that has neither broadcasts nor channels. Throws Fehler 1 for any
-    // other, in which nothing is changed then.
+    // Writes the guide into a database that has neither broadcasts nor channels, or only what a run of this
+    // that was killed has left there. Throws Fehler 1 for any other, in which nothing is changed then.
     Umfang beispielEintragen(const std::string& pfad);
 
   private:
@@ -45,7 +45,8 @@ class Fernsehdatenbank {
     void schreibeSender(std::unique_ptr<Datenbank>& db);
     Beispielprogramm schreibeSendungen(std::unique_ptr<Datenbank>& db);
     void schreibeMarken(std::unique_ptr<Datenbank>& db, const Beispielprogramm& programm);
-    bool istLeer(std::unique_ptr<Datenbank>& db, const std::string& tabelle);
+    void raeumeUnfertigesWeg(std::unique_ptr<Datenbank>& db);
+    double anzahl(std::unique_ptr<Datenbank>& db, const std::string& zeilen);
 
     const Ports& ports_;
     Prozesswerte werte_;

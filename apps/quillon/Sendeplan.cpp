@@ -21,9 +21,7 @@ std::int64_t ganzzahligGeteilt(std::int64_t a, std::int64_t b) { return a >= 0 ?
 int wochentag(std::int64_t tagesnummer) {
     return static_cast<int>(tagesnummer + 5 - ganzzahligGeteilt(tagesnummer + 5, 7) * 7);
 }
-bool gilt(const Planzeile& zeile, std::int64_t tagesnummer) {
-    return (zeile.tage >> wochentag(tagesnummer) & 1) != 0;
-}
+bool gilt(Tage tage, std::int64_t tagesnummer) { return (tage >> wochentag(tagesnummer) & 1) != 0; }
 
 // How often a row has come until this day, so that a series goes on with its next episode.
 std::int64_t malBisher(Tage tage, std::int64_t tagesnummer) {
@@ -52,6 +50,7 @@ bool istEinmalig(Rubrik rubrik) {
     switch (rubrik) {
         case Rubrik::Nachrichten:
         case Rubrik::Fruehstueck:
+        case Rubrik::Show:
         case Rubrik::Sportmagazin:
         case Rubrik::Sportlive:
         case Rubrik::Kurz:
@@ -177,7 +176,7 @@ class Sendeplan::Tagesfuellung {
             static_cast<std::size_t>(tag_ * 15 + static_cast<std::int64_t>(nummer_) * 3 + 1'500'000);
         for (std::size_t i = 0; i < alle.size(); ++i) {
             const Werk* werk = alle[(anfang + i) % alle.size()];
-            if (!passt(*werk, rest) || !passtZurUhrzeit(*werk, zeit, sender_)) continue;
+            if (!passtNeu(*werk, zeit, rest)) continue;
             if (!gezeigt_.insert(werk).second) continue;
             return werk;
         }
@@ -188,9 +187,13 @@ class Sendeplan::Tagesfuellung {
     const Werk* schonGezeigtes(const std::vector<const Werk*>& alle, int zeit, int rest) const {
         for (std::size_t i = 0; i < alle.size(); ++i) {
             const Werk* werk = alle[(static_cast<std::size_t>(zeit) / 5 + i) % alle.size()];
-            if (passt(*werk, rest) && passtZurUhrzeit(*werk, zeit, sender_)) return werk;
+            if (passtNeu(*werk, zeit, rest)) return werk;
         }
         return nullptr;
+    }
+
+    bool passtNeu(const Werk& werk, int zeit, int rest) const {
+        return gilt(werk.tage, tag_) && passt(werk, rest) && passtZurUhrzeit(werk, zeit, sender_);
     }
 
     // The short piece of the nearest length, another one each time.
@@ -238,7 +241,7 @@ Sendeplan::Sendeplan(std::size_t sender) : nummer_(sender), sender_(beispielsend
 std::vector<Sendeplan::Abschnitt> Sendeplan::abschnitte(std::int64_t tagesnummer) const {
     std::vector<Abschnitt> alle;
     for (const Planzeile& zeile : sender_.plan) {
-        if (!gilt(zeile, tagesnummer)) continue;
+        if (!gilt(zeile.tage, tagesnummer)) continue;
         const int beginn = minutenAus(zeile.uhrzeit);
         if (!alle.empty()) alle.back().ende = beginn;
         alle.push_back({&zeile, beginn, kTagesende});

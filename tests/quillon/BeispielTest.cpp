@@ -110,7 +110,8 @@ TEST(Beispiel, TheSameDayIsTheSameWhenTheGuideIsMadeLater) {
         std::vector<std::string> zeilen;
         for (cSendung s : p.sendungen) {
             if (s.Datum() == tag)
-                zeilen.push_back(s.SendungID + s.InhaltID + s.Titel + s.Showview + s.Beschreibung());
+                zeilen.push_back(s.SendungID + s.InhaltID + s.Titel + s.Showview + s.Beschreibung() +
+                                 (s.KzWiederholung ? "W" : ""));
         }
         return zeilen;
     };
@@ -145,6 +146,9 @@ TEST(Beispiel, WhatIsForAdultsRunsAtNightAndRepeatsAreMarked) {
         if (sendung.KzWiederholung) {
             ++wiederholungen;
             EXPECT_FALSE(sendung.KzLive) << sendung.Titel;
+            EXPECT_GT(InStr(sendung.Temp_Beschreibung, "\r\nWiederholung"), 0) << sendung.Titel;
+        } else if (InStr(sendung.Titel, "Samstag") > 0) {
+            EXPECT_EQ(zerlegt(sendung.Beginn).wochentag, 7);
         }
     }
     EXPECT_GT(wiederholungen, 1000U);

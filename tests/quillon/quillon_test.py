@@ -285,6 +285,23 @@ class Database(Tool):
         self.assertEqual(self.files(), ["Hyperlinks", "Sender", "fennow.cfg", "kestrin.cfg", "tvdaten.mdb"])
         self.assertEqual(self.rows("Sendungen", target), self.rows("Sendungen"))
 
+    def test_guide_that_a_kill_cut_off_is_made_anew(self):
+        self.run_tool("--anlegen")
+        target = self.ordner / "tvdaten.mdb"
+        size = target.stat().st_size
+        process = subprocess.Popen([QUILLON, "--ordner", str(self.ordner), "--beispiel"], env=self.NOW)
+        while process.poll() is None and target.stat().st_size == size:  # grows in the middle of the broadcasts
+            time.sleep(0.001)
+        process.send_signal(signal.SIGKILL)
+        if process.wait() == 0:
+            self.skipTest("too fast to be killed")
+        self.assertNotEqual(self.rows("Sendungen", target), [])
+        self.assertEqual(self.rows("Sender", target), [])
+        self.run_tool("--beispiel", env=self.NOW)
+        rows = [[{**row, "Pos": "", "ID": ""} for row in self.rows(table, file)]
+                for file in (target, None) for table in ("Sendungen", "SendungenDetails", "Markierungen", "Sender")]
+        self.assertEqual(rows[:4], rows[4:])
+
     def test_full_disk_is_said_and_leaves_nothing(self):
         def limit():
             signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
