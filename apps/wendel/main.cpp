@@ -64,8 +64,8 @@ struct Unterbau {
     std::string programmordner;
 };
 
-// Until this program makes databases itself, a machine that has none gets told what is missing where. Only
-// when neither the configured nor the local file is there: with one of them the start-up asks.
+// A machine that has no database gets told what is missing where, and what makes one. Only when neither the
+// configured nor the local file is there: with one of them the start-up asks.
 std::string fehlendeDatenbank(Unterbau& unterbau) {
     Einstellungen einstellungen(unterbau.dateien, unterbau.programmordner);
     const std::string datei = liesKonfiguration(einstellungen, unterbau.programmordner).datenbank;
@@ -74,7 +74,8 @@ std::string fehlendeDatenbank(Unterbau& unterbau) {
     return "Es fehlt die Datenbank des Programmführers. Bitte die Datei \"tvdaten.mdb\" hierhin kopieren:\n "
            " " +
            pfadAnzeige(datei) + (datei == lokal ? "" : "\noder hierhin:\n  " + pfadAnzeige(lokal)) +
-           "\nund Lomrick dann neu starten.";
+           "\nund Lomrick dann neu starten. Zum Ausprobieren macht der Befehl\n"
+           "  quillon --anlegen --beispiel\neine mit erfundenem Programm.";
 }
 
 // Everything that lives as long as the event loop, in the order in which it is needed.
