@@ -2,7 +2,6 @@
 // The whole logic on fakes: a programme folder in memory, a TV database that answers the program's statements
 // from plain rows, views that remember what they show. A test moves the clock and looks at the notice.
 
-#include <cstdio>
 #include <memory>
 #include <optional>
 #include <string>
@@ -15,6 +14,7 @@
 #include "support/Fakes.h"
 #include "tvdb/Einstellungen.h"
 #include "tvdb/Einstellungstabelle.h"
+#include "tvdb/ModulGrundbefehle.h"
 
 namespace wendel {
 
@@ -92,10 +92,10 @@ struct FakeTvDaten {
     bool gesperrt = false;
     int sperrnummer = 3260;
 
-    std::optional<FakeAntwort> antwort(const std::string& sql) {
+    std::optional<FakeAntwort> antwort(const std::string& sql, Datum jetzt) {
         if (gesperrt) return Fehler(sperrnummer, "DAO.Database", "Gesperrt.");
         if (sql.find("from Sender ") != std::string::npos) return sendertabelle();
-        if (sql.find("Select Distinct") == std::string::npos) return pflege(sql);
+        if (sql.find("Select Distinct") == std::string::npos) return pflege(sql, jetzt);
         const bool erinnerungen = sql.find("Erinnerung=true") != std::string::npos;
         FakeTabelle tabelle{{"Optionen", "Datum", "Uhrzeit", "Dauer", "Sendung", "Senderkennung"}, {}};
         for (const Markierung& m : markierungen) {
@@ -110,16 +110,11 @@ struct FakeTvDaten {
 
   private:
     // The maintenance finds no broadcasts and deletes the marks of those that are over.
-    FakeAntwort pflege(const std::string& sql) {
+    FakeAntwort pflege(const std::string& sql, Datum jetzt) {
         if (sql.find("MaxPos") != std::string::npos) return FakeTabelle{{"MaxPos"}, {{Variant::null()}}};
-        int m, t, j, h, n, s;
-        const std::size_t stelle = sql.find(",Datum+Uhrzeit)<#");
-        if (stelle != std::string::npos &&
-            std::sscanf(sql.c_str() + stelle, ",Datum+Uhrzeit)<#%d/%d/%d %d:%d:%d#", &m, &t, &j, &h, &n,
-                        &s) == 6) {
-            std::erase_if(markierungen, [&](const Markierung& markierung) {
-                return DateAdd(Einheit::Minute, markierung.dauer, markierung.beginn) <
-                       moment(j, m, t, h, n, s);
+        if (sql.find(",Datum+Uhrzeit)<" + ModulGrundbefehle::SqlDatumZeit(jetzt)) != std::string::npos) {
+            std::erase_if(markierungen, [&](const Markierung& m) {
+                return DateAdd(Einheit::Minute, m.dauer, m.beginn) < jetzt;
             });
         }
         return FakeTabelle{};
@@ -145,7 +140,9 @@ class Programm {
         ports.dateien.legeOrdner("\\suite\\Hyperlinks\\");
         ports.fenster.fenster[FakeWendelView::kFenster] = {"Lomrick", 1, false, false};
         ports.fenster.fenster[FakeHinweisView::kFenster] = {"Lomrick - Hinweis", 1, false, false};
-        ports.datenbanken->dynamisch = [this](const std::string& sql) { return tvDaten.antwort(sql); };
+        ports.datenbanken->dynamisch = [this](const std::string& sql) {
+            return tvDaten.antwort(sql, jetzt());
+        };
     }
 
     FakePorts ports;

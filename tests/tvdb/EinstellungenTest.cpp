@@ -181,17 +181,6 @@ TEST_F(EinstellungenTest, AbsturzInJedemSchrittLaesstAltOderNeu) {
     EXPECT_EQ(std::pair(altGesehen, neuGesehen), std::pair(6, 21));
 }
 
-TEST_F(EinstellungenTest, HalbesSchreibenMeldetSichUndLaesstAltOderNeu) {
-    for (const int n : {1, 2}) {
-        SCOPED_TRACE(n);
-        lege(bytes(beispiel()));
-        dateien.scheitereBeimSchreiben(n, true);
-        EXPECT_EQ(setze(7, Variant::integer(12)).nummer, 1);
-        EXPECT_EQ(einstellungen.GetEinstellung(7), Variant::integer(n == 1 ? 24 : 12));
-        EXPECT_FALSE(dateien.inhalt(kPfadNeu));
-    }
-}
-
 TEST_F(EinstellungenTest, NichtGeloeschteVormerkungMachtSpaetereAenderungenNichtRueckgaengig) {
     lege(bytes(beispiel()));
     dateien.scheitert = alle("loeschen");

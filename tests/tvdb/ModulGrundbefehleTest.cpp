@@ -1,5 +1,7 @@
 #include "tvdb/ModulGrundbefehle.h"
 
+#include "tvdb/Guidekonfiguration.h"
+#include "tvdb/ModulSystem.h"
 #include "tvdb/Probe.h"
 
 namespace wendel {
@@ -62,6 +64,20 @@ TEST(Grundbefehle, DatumAusTextLiestJedeForm) {
         EXPECT_EQ(fehler.beschreibung, std::string("Der Datumsausdruck \"") + text +
                                            "\" wurde gefunden. Das Format kann nicht erkannt werden.");
     }
+}
+
+TEST(Rechnername, EndetAmErstenNulUndOhneLeerzeichen) {
+    FakeRechner rechner;
+    rechner.name = std::string("  PC-BUERO \0Rest    ", 20);
+    EXPECT_EQ(ModulSystem::GetRechnername(rechner), "PC-BUERO");
+    rechner.nameBekannt = false;
+    EXPECT_EQ(ModulSystem::GetRechnername(rechner), "");
+}
+
+TEST(Appname, KommtAusDerGuidekonfiguration) {
+    FakePorts fakes;
+    fakes.dateien.lege("\\suite\\kestrin.cfg", "[x]\r\nappnamen=x\r\n  AppName =\t Mein Guide = gut \r\n");
+    EXPECT_EQ(Guidekonfiguration::liesAppname(fakes.dateien, kTestordner), "Mein Guide = gut");
 }
 
 }  // namespace

@@ -8,13 +8,10 @@ namespace {
 
 constexpr const char* kFelder1 =
     "SenderKennung,Beginn,Ende,Titel,SendungID,InhaltID,Aktualisierung,Showview,ShowviewVPS,VPS,"
-    "Kategorietext,"
-    "KurzBeschreibung,Bewertung,Bilddateiname,Dauer,Genre,Herstellungsjahr,Herstellungsland,Originaltitel,"
-    "Regie,"
-    "Bewertungen,Kurzkritik,FSK,Keywords,KzFilm,Kz16zu9,KzDolby,KzDolbyDigital,KzDolbySurround,KzLive,"
-    "KzStereo,"
-    "KzSchwarzweis,KzTelefon,KzUncoded,KzUntertitel,KzZweikanalton,KzAudiodescription,"
-    "KzBilddateiHeruntergeladen,KzInFavoritenliste,KzImArchiv,KzWiederholung,KzHDTV";
+    "Kategorietext,KurzBeschreibung,Bewertung,Bilddateiname,Dauer,Genre,Herstellungsjahr,Herstellungsland,"
+    "Originaltitel,Regie,Bewertungen,Kurzkritik,FSK,Keywords,KzFilm,Kz16zu9,KzDolby,KzDolbyDigital,"
+    "KzDolbySurround,KzLive,KzStereo,KzSchwarzweis,KzTelefon,KzUncoded,KzUntertitel,KzZweikanalton,"
+    "KzAudiodescription,KzBilddateiHeruntergeladen,KzInFavoritenliste,KzImArchiv,KzWiederholung,KzHDTV";
 std::string alleFelder(const cSendung& s) {
     return verbunden(s.SenderKennung, s.Beginn.sekunden() / 86400, s.Ende.sekunden() / 86400, s.Titel,
                      s.SendungID, s.InhaltID, s.Aktualisierung, s.Showview, s.ShowviewVPS, s.VPS,
