@@ -2,6 +2,7 @@
 
 #include <sqlite3.h>
 
+#include <algorithm>
 #include <optional>
 #include <utility>
 
@@ -95,6 +96,13 @@ bool Session::step(sqlite3_stmt* statement) {
 }
 
 TableWriter& Session::writer(const std::shared_ptr<const TableDef>& table) {
+    const auto& entries = database_.entries();
+    const bool system = std::any_of(entries.begin(), entries.end(), [&](const CatalogEntry& entry) {
+        return entry.system && entry.page == table->page;
+    });
+    if (system) {
+        throw sql::sqlError(sql::kReadOnly);
+    }
     if (!allocator_) {
         allocator_ = std::make_shared<PageAllocator>(file());
     }

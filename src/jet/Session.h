@@ -63,7 +63,8 @@ class Session : public sql::Schema {
     bool outdated() { return definitionsChanged_ || file().changed(); }
     void noteChangedDefinitions() { definitionsChanged_ = true; }
 
-    // For rows of this table, within a Writing. Stays the same for the session's life.
+    // For rows of this table, within a Writing. Stays the same for the session's life. Throws Fehler 3027 for
+    // the tables of the system: the catalog changes with definitions only.
     TableWriter& writer(const std::shared_ptr<const TableDef>& table);
     // Belongs behind each Writing that was not committed.
     void forgetWriters();
