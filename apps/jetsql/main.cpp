@@ -133,7 +133,9 @@ std::optional<Task> taskOf(const std::vector<std::string>& arguments) {
             return std::nullopt;
         }
     }
-    return task;
+    const bool runs = task.create || task.lockSeconds >= 0 || !task.statements.empty();
+    const int tasks = (runs ? 1 : 0) + (task.repair ? 1 : 0) + (task.compactTo ? 1 : 0);
+    return tasks > 1 ? std::nullopt : std::optional(task);
 }
 
 void runStatements(const Task& task, wendel::Uhr& uhr) {
