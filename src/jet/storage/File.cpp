@@ -25,6 +25,7 @@ constexpr std::string_view kSignature("Standard Jet DB\0", 16);
 constexpr std::array<std::uint8_t, 4> kHeaderKey = {0xC7, 0xDA, 0x39, 0x6B};
 // The clock that stamps files moves in steps of up to 10 ms; network file systems are coarser.
 constexpr std::int64_t kStampStepNs = 50'000'000;
+constexpr std::int64_t kMostClockSkewNs = 60'000'000'000;
 constexpr SortOrder kGeneral = {0x0409, 0};
 constexpr int kMostReplacements = 100;
 
@@ -32,6 +33,13 @@ std::int64_t nowNs() {
     timespec now{};
     ::clock_gettime(CLOCK_REALTIME, &now);
     return std::int64_t{now.tv_sec} * 1'000'000'000 + now.tv_nsec;
+}
+
+// Whether a file written now could get this time as well. Not when it is far ahead, as copying from a system
+// with another clock leaves it.
+bool mayRecur(std::int64_t timeNs) {
+    const std::int64_t age = nowNs() - timeNs;
+    return age < kStampStepNs && age > -kMostClockSkewNs;
 }
 
 bool sameFile(const struct stat& info, const FileStamp& stamp) {
@@ -65,7 +73,7 @@ void File::openAndCheck(Access access) {
     adoptJournal();
     readHeader();
     writable_ = descriptorWritable_ && !encoded() && sortOrder_ == kGeneral;
-    if (writable_) lockFile_.enter(resolvedPath(path_), mode_);
+    if (writable_) lockFile_.enter(resolvedPath(path_), rights_);
 }
 
 // Another file may take the name between opening and locking; then the lock would guard nothing.
@@ -88,9 +96,9 @@ void File::rememberStamp() {
     struct stat info {};
     if (::fstat(fd_, &info) != 0) throwDamaged("Die Datei ist nicht lesbar");
     stamp_ = stampOf(info);
-    mode_ = info.st_mode & 0666;
-    const std::int64_t age = nowNs() - std::max(stamp_.modifiedNs, stamp_.changedNs);
-    stampUncertain_ = age < kStampStepNs && !(journal_ && journal_->knows(stamp_));
+    rights_ = rightsOf(info);
+    stampUncertain_ =
+        (mayRecur(stamp_.modifiedNs) || mayRecur(stamp_.changedNs)) && !(journal_ && journal_->knows(stamp_));
 }
 
 void File::adoptJournal() {
@@ -245,8 +253,7 @@ void File::throwLocked() const {
     throw Fehler(jetfehler::kLockedByUser, kSource, "Aktualisieren nicht möglich; " + by);
 }
 
-// --- Statements
-// ----------------------------------------------------------------------------------------------
+// --- Statements --------------------------------------------------------------------------------------------
 
 File::Writing::Writing(File& file) : file_(file) {
     if (!file_.writable_) {
@@ -356,7 +363,7 @@ void File::makeRoom() {
 void File::beginRun() {
     if (statement_->begun) return;
     statement_->begun = true;
-    journal_->begin({stamp_, !stampUncertain_, layout_->pageSize, mode_});
+    journal_->begin({stamp_, !stampUncertain_, layout_->pageSize, rights_});
 }
 
 void File::journalChanges() {
@@ -379,8 +386,7 @@ void File::rollBack() {
     pageCount_ = statement_->pageCountBefore;
 }
 
-// --- Reading
-// -------------------------------------------------------------------------------------------------
+// --- Reading -----------------------------------------------------------------------------------------------
 
 PagePtr File::page(std::uint32_t number) {
     ++pagesRequested_;

@@ -62,6 +62,14 @@ FileStamp stampOf(const struct stat& info) {
             nanoseconds(info.st_ctim)};
 }
 
+FileRights rightsOf(const struct stat& info) { return {info.st_mode & 0666, info.st_uid, info.st_gid}; }
+
+void giveRights(int fd, const FileRights& rights) {
+    if (::fchown(fd, rights.owner, rights.group) != 0)
+        (void)!::fchown(fd, static_cast<uid_t>(-1), rights.group);
+    (void)::fchmod(fd, rights.mode);
+}
+
 OpenedFile openFile(const std::string& path, bool write) {
     // A pipe or a device in place of the file must neither block the open nor be read.
     constexpr int kFlags = O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
@@ -90,13 +98,16 @@ bool writeFully(int fd, std::span<const std::uint8_t> bytes, std::uint64_t offse
     });
 }
 
+bool leadsTo(const std::string& path, const struct stat& file) {
+    struct stat info {};
+    return ::stat(path.c_str(), &info) == 0 && info.st_dev == file.st_dev && info.st_ino == file.st_ino;
+}
+
 std::string resolvedPath(const std::string& path) {
     const std::unique_ptr<char, decltype(&std::free)> real(::realpath(path.c_str(), nullptr), &std::free);
-    struct stat there {
-    }, here{};
+    struct stat here {};
     // Paths below /proc lead to files that have no name, or another one.
-    const bool same = real && ::stat(real.get(), &there) == 0 && ::stat(path.c_str(), &here) == 0 &&
-                      there.st_dev == here.st_dev && there.st_ino == here.st_ino;
+    const bool same = real && ::stat(path.c_str(), &here) == 0 && leadsTo(real.get(), here);
     return same ? std::string(real.get()) : path;
 }
 

@@ -19,6 +19,16 @@ struct FileStamp {
 
 FileStamp stampOf(const struct stat& info);
 
+// Who may do what with a file.
+struct FileRights {
+    unsigned mode = 0, owner = 0, group = 0;
+};
+
+FileRights rightsOf(const struct stat& info);
+
+// For a file just made beside a database: its users write there as well. As far as that is allowed.
+void giveRights(int fd, const FileRights& rights);
+
 // An ordinary file, for reading and, where `write` is wanted and allowed, for writing; the descriptor is the
 // caller's. Throws Fehler 3024 when there is no file, 3044 when its folder is missing, 3051 when it must not
 // be read, 3343 for something that is no file.
@@ -36,6 +46,9 @@ OpenedFile openFile(const std::string& path, bool write);
 
 // Makes new, renamed and removed names in the folder of this file durable.
 [[nodiscard]] bool syncFolderOf(const std::string& path);
+
+// Whether the path leads to this file.
+bool leadsTo(const std::string& path, const struct stat& file);
 
 // The path without links: what lies beside a database file lies beside the file itself, or users of a link to
 // it would not find it.

@@ -87,7 +87,8 @@ Journal::~Journal() {
 // --- What is there ---------------------------------------------------------------------------------------
 
 void Journal::open() {
-    constexpr int kFlags = O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
+    // A link would have us write into whatever somebody made it lead to.
+    constexpr int kFlags = O_CLOEXEC | O_NONBLOCK | O_NOCTTY | O_NOFOLLOW;
     fd_ = ::open(path_.c_str(), O_RDWR | kFlags);
     writable_ = fd_ >= 0;
     if (fd_ < 0) fd_ = ::open(path_.c_str(), O_RDONLY | kFlags);
@@ -162,7 +163,10 @@ void Journal::disregard() {
 }
 
 bool Journal::setAside() {
-    if (fd_ < 0 || ::rename(path_.c_str(), (path_ + ".alt").c_str()) != 0) return false;
+    struct stat info {};
+    // Another process may have done it, and what is there now be its own.
+    if (fd_ < 0 || ::fstat(fd_, &info) != 0 || !leadsTo(path_, info)) return false;
+    if (::rename(path_.c_str(), (path_ + ".alt").c_str()) != 0) return false;
     // Others that have it open find that it is none any more.
     constexpr std::uint8_t kNoMagic = 'X';
     if (writable_ && !writeFully(fd_, {&kNoMagic, 1}, kAtMagicEnd)) return false;
@@ -191,7 +195,7 @@ bool Journal::movedOn() const {
     }
     struct stat info {};
     std::array<std::uint8_t, kJournalHeaderSize> head{};
-    if (::fstat(fd_, &info) != 0 || info.st_nlink == 0) return true;
+    if (::fstat(fd_, &info) != 0 || !leadsTo(path_, info)) return true;
     const auto size = static_cast<std::uint64_t>(info.st_size);
     const bool read = readFully(fd_, head, 0);
     const std::optional<JournalHeader> now = JournalHeader::decoded(head);
@@ -226,8 +230,11 @@ bool Journal::readFromDatabase(int database, std::uint32_t page, std::span<std::
 
 void Journal::begin(const Database& database) {
     if (disregarded_ && !setAside()) throwReadOnly();
-    if (fd_ < 0) create(database.mode);
+    if (fd_ < 0) create(database.rights);
     if (!writable_) throwReadOnly();
+    // Without its name the journal would be lost with the power, and with it what kNow promises. Whoever made
+    // it may have been killed before.
+    if (!contents_.header && !syncFolderOf(path_)) throwWriteError(path_, errno);
     const bool headerFits = contents_.header && contents_.header->pageSize == database.pageSize &&
                             (!empty() || knows(database.stamp));
     if (!headerFits) {
@@ -246,9 +253,9 @@ void Journal::throwReadOnly() const {
                  "Aktualisieren nicht möglich. Die Datei '" + path_ + "' kann nicht geschrieben werden.");
 }
 
-void Journal::create(unsigned mode) {
+void Journal::create(const FileRights& rights) {
     if (!folderTakesFiles(path_)) throwReadOnly();
-    fd_ = ::open(path_.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, mode);
+    fd_ = ::open(path_.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, rights.mode);
     if (fd_ < 0 && errno == EEXIST) {
         open();
         return;
@@ -256,9 +263,7 @@ void Journal::create(unsigned mode) {
     if (fd_ < 0 && (errno == ENOSPC || errno == EDQUOT)) throwWriteError(path_, errno);
     if (fd_ < 0) throwReadOnly();
     writable_ = true;
-    (void)::fchmod(fd_, mode);  // other users of the file write here as well
-    // Without its name the journal would be lost with the power, and with it what kNow has promised.
-    if (!syncFolderOf(path_)) throwWriteError(path_, errno);
+    giveRights(fd_, rights);
 }
 
 bool Journal::writeHeader(const JournalHeader& header) {
@@ -393,7 +398,8 @@ bool Journal::bringInto(int database) {
 
 // Notes, durably, what the pages will be, before the first of them is written.
 bool Journal::announceCheckpoint(int database, const std::vector<std::uint32_t>& pages) {
-    if (contents_.startedEnd == contents_.end) return true;
+    // Who noted it may have been killed before it was durable.
+    if (contents_.startedEnd == contents_.end) return ::fdatasync(fd_) == 0;
     bufferAt_ = contents_.end;
     startRun();
     std::vector<std::uint8_t> bytes(pageSize());

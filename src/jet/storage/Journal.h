@@ -39,7 +39,7 @@ class Journal {
     // A journal that does not fit counts for nothing from now on, in this object.
     void disregard();
     // Renames it to "...-journal.alt", for somebody to look into. kWriter held. False when that cannot be
-    // done.
+    // done, or somebody else has done it.
     bool setAside();
 
     bool empty() const { return contents_.index.empty(); }
@@ -63,7 +63,7 @@ class Journal {
         FileStamp stamp;
         bool stampExact = false;
         std::uint32_t pageSize = 0;
-        unsigned mode = 0;  // access rights of the file
+        FileRights rights;
     };
     void begin(const Database& database);
     // `before` is the last version, empty when that is of no use. Nothing is written when both are the same.
@@ -93,7 +93,7 @@ class Journal {
     bool readFromDatabase(int database, std::uint32_t page, std::span<std::uint8_t> bytes,
                           std::uint64_t upTo) const;
     bool applyUpTo(std::uint32_t page, std::span<std::uint8_t> bytes, std::uint64_t upTo) const;
-    void create(unsigned mode);
+    void create(const FileRights& rights);
     [[nodiscard]] bool writeHeader(const JournalHeader& header);
     void appendRecord(JournalRecord kind, std::uint32_t page, std::size_t offset,
                       std::span<const std::uint8_t> bytes);

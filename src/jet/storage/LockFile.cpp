@@ -1,7 +1,6 @@
 #include "jet/storage/LockFile.h"
 
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -9,7 +8,6 @@
 #include <cstdint>
 #include <string_view>
 
-#include "jet/storage/FileIo.h"
 #include "platform/Text.h"
 
 namespace wendel::jet {
@@ -66,14 +64,14 @@ LockFile::~LockFile() {
     if (fd_ >= 0) ::close(fd_);
 }
 
-void LockFile::enter(const std::string& databasePath, unsigned mode) {
+void LockFile::enter(const std::string& databasePath, const FileRights& rights) {
     path_ = lockFilePath(databasePath);
     if (path_ == databasePath || !folderTakesFiles(path_)) return;
-    fd_ = ::open(path_.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, mode);
+    fd_ = ::open(path_.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, rights.mode);
     if (fd_ >= 0)
-        (void)::fchmod(fd_, mode);  // the next user may be another one
+        giveRights(fd_, rights);
     else
-        fd_ = ::open(path_.c_str(), O_RDWR | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
+        fd_ = ::open(path_.c_str(), O_RDWR | O_CLOEXEC | O_NONBLOCK | O_NOCTTY | O_NOFOLLOW);
     if (fd_ < 0) return;
     for (unsigned slot = 1; slot <= kSlots && slot_ == 0; ++slot) {
         struct flock lock = slotLock(F_WRLCK, slot, 1);

@@ -4,6 +4,8 @@
 
 #include <string>
 
+#include "jet/storage/FileIo.h"
+
 namespace wendel::jet {
 
 class LockFile {
@@ -17,9 +19,9 @@ class LockFile {
     LockFile(const LockFile&) = delete;
     LockFile& operator=(const LockFile&) = delete;
 
-    // Makes or opens the list of this database, with the access rights `mode` when it is new, takes the first
-    // free place and writes this computer into it.
-    void enter(const std::string& databasePath, unsigned mode);
+    // Makes or opens the list of this database, with these rights when it is new, takes the first free place
+    // and writes this computer into it.
+    void enter(const std::string& databasePath, const FileRights& rights);
     // The own place, 1 to 255; 0 without one.
     unsigned slot() const { return slot_; }
     User user(unsigned slot) const;

@@ -30,11 +30,8 @@ ReplacingLock::~ReplacingLock() { ::close(fd_); }
 void ReplacingLock::lock(const std::string& path) {
     const bool alone = locks_.waitExclusive(LockPlace::kUsers) == FileLocks::Result::kGot &&
                        locks_.tryExclusive(LockPlace::kWriter) == FileLocks::Result::kGot;
-    struct stat named {
-    }, own{};
-    const bool inPlace = ::stat(path.c_str(), &named) == 0 && ::fstat(fd_, &own) == 0 &&
-                         named.st_dev == own.st_dev && named.st_ino == own.st_ino;
-    if (!alone || !inPlace) throwCannotLock(path);
+    struct stat info {};
+    if (!alone || ::fstat(fd_, &info) != 0 || !leadsTo(path, info)) throwCannotLock(path);
 }
 
 void ReplacingLock::bringJournalIn(const std::string& path) {
