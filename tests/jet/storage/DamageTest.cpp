@@ -26,13 +26,6 @@ int openError(const std::string& path) {
     return fehlernummerVon([&] { Database database(path, Access::kReadWrite); });
 }
 
-TEST(Rc4, GivesTheKnownStreamOfTheHeaderMask) {
-    std::string zeros(16, '\0');
-    const std::uint8_t key[] = {0xC7, 0xDA, 0x39, 0x6B};
-    rc4(key, {reinterpret_cast<std::uint8_t*>(zeros.data()), zeros.size()});
-    EXPECT_EQ(test::hex(zeros), "b56f03626108c255eba96772433f009c");
-}
-
 TEST(OpenError, NamesWhatIsWrongWithThePath) {
     const test::TemporaryCopy copy;
     copy.write("x");
@@ -147,21 +140,6 @@ TEST_F(DamageTest, EncodedFilesAreReadAsTheOthers) {
     EXPECT_EQ(found.damaged, 0u);
     EXPECT_EQ(found.cells, expected.cells);
     EXPECT_EQ(found.entries, expected.entries);
-}
-
-TEST_F(DamageTest, ReadingLeavesTheFolderAsItWas) {
-    copy_.write(image_);
-    std::filesystem::permissions(copy_.path(), std::filesystem::perms::owner_read);
-    std::filesystem::permissions(copy_.folder(),
-                                 std::filesystem::perms::owner_read | std::filesystem::perms::owner_exec);
-    const auto time = std::filesystem::last_write_time(copy_.path());
-    {
-        Database database(copy_.path(), Access::kReadWrite);
-        EXPECT_EQ(test::readEverything(database).damaged, 0u);
-    }
-    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(copy_.folder()), {}), 1);
-    EXPECT_EQ(std::filesystem::last_write_time(copy_.path()), time);
-    EXPECT_EQ(test::readFile(copy_.path()), image_);
 }
 
 TEST_F(DamageTest, ChangesByOthersAreNoticed) {

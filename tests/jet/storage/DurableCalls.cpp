@@ -65,8 +65,8 @@ void orderFault(Fault fault, unsigned nth) {
     interposer().nth = nth;
     interposer().calls = 0;
 }
-unsigned durableCalls() { return interposer().calls; }
 void startNoting(const std::string& folder) { interposer().folder = folder; }
+std::size_t callsNoted() { return interposer().noted.size(); }
 std::vector<Call> endNoting() {
     interposer().folder.clear();
     return std::exchange(interposer().noted, {});

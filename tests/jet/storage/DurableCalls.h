@@ -15,8 +15,6 @@ enum class Fault { kNone, kKilled, kKilledHalfWay, kDiskFull, kInputOutput };
 // From now on; the n-th call (from 1) meets the fault. kDiskFull and kInputOutput last until the next
 // order, and concern what writes and syncs.
 void orderFault(Fault fault, unsigned nth);
-// Calls since the last order.
-unsigned durableCalls();
 
 // Every call between start and end, of files below the folder.
 void startNoting(const std::string& folder);
@@ -26,6 +24,7 @@ struct Call {
     std::uint64_t offset = 0;  // or the new length
     std::string bytes;
 };
+std::size_t callsNoted();
 std::vector<Call> endNoting();
 
 // What a power cut after the first `count` calls may leave of the files: all that was synced, and of the

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <filesystem>
 #include <functional>
 #include <memory>
 #include <random>
@@ -207,44 +206,6 @@ TEST(IndexWriter, CountsDistinctKeysAndFillsPagesInOrder) {
     }
 }
 
-// Trees that other programs made: half of the entries go and come again.
-TEST(IndexWriter, ChangesForeignTrees) {
-    if (!test::haveData()) GTEST_SKIP() << "no example files at " << test::dataPath("");
-    std::size_t changed = 0;
-    for (const char* name : {"tvdaten-klein.mdb", "tvdaten-gross.mdb", "typen.mdb", "echte/adox_jet4.mdb",
-                             "echte/overflowV2000.mdb", "echte/common2V1997.mdb"}) {
-        const test::TemporaryCopy copy;
-        copy.write(test::readFile(test::dataPath(name)));
-        Random random(kSeed);
-        Database database(copy.path(), Access::kReadWrite);
-        File& file = database.file();
-        for (const CatalogEntry& item : database.entries()) {
-            const auto table = database.table(item.name);
-            for (const Index& index : table->indexes) {
-                SCOPED_TRACE(std::string(name) + ": " + item.name + "." + index.name);
-                checkIndex(file, *table, index);
-                const std::vector<Entry> before = entriesOf(file, *table, index);
-                std::vector<Entry> half = before;
-                std::shuffle(half.begin(), half.end(), random);
-                half.resize(half.size() / 2);
-                File::Writing writing(file);
-                PageAllocator allocator(file);
-                IndexWriter writer(file, allocator, *table, index);
-                for (const auto& [key, row] : half)
-                    ASSERT_TRUE(writer.remove(key, row));
-                checkIndexTree(file, *table, index);
-                for (const auto& [key, row] : half)
-                    writer.insert(key, row);
-                writing.commit(Durability::kSoon);
-                checkIndex(file, *table, index);
-                EXPECT_EQ(entriesOf(file, *table, index), before);
-                ++changed;
-            }
-        }
-    }
-    EXPECT_GT(changed, 100u);
-}
-
 struct Damage {
     const char* what;  // as the error says
     std::function<void(const Layout&, Page& root, Page& leaf)> make;
@@ -282,44 +243,6 @@ TEST(IndexCheck, NamesTheFault) {
             EXPECT_NE(e.beschreibung().find(damage.what), std::string::npos) << e.beschreibung();
         }
     }
-}
-
-TEST(IndexWriter, EndsInAnErrorOnDamagedTrees) {
-    SCOPED_TRACE(kSeed);
-    Random random(kSeed);
-    int refused = 0;
-    for (const Version version : {Version::kJet4, Version::kJet3}) {
-        OneIndex one(version);
-        const auto use = [&](int rounds, bool damage) {
-            File::Writing writing(one.file());
-            PageAllocator allocator(one.file());
-            IndexWriter writer(one.file(), allocator, *one.table, one.index());
-            const std::vector<std::uint32_t> pages = readUsageMap(one.file(), one.index().pages);
-            for (int i = 0; damage && i < 4; ++i) {
-                Page& page = *one.file().edit(pages[random() % pages.size()]);
-                const std::size_t end = random() % 2 == 0 ? 40 : page.size();
-                page[random() % end] = static_cast<std::uint8_t>(random());
-            }
-            for (int i = 0; i < rounds; ++i) {
-                const std::string key = textKey(random, 40, 12);
-                const RowId row = makeRowId(100, random() & 0xFF);
-                if (i % 3 != 0) writer.insert(key, row);
-                if (i % 3 == 0 && !writer.contains(key)) writer.removeByRow(row);
-            }
-            if (!damage) writing.commit(Durability::kSoon);
-        };
-        use(3000, false);
-        for (int round = 0; round < 300; ++round) {
-            try {
-                use(60, true);
-            } catch (const Fehler& e) {
-                ASSERT_EQ(e.nummer(), jetfehler::kDamaged) << e.what();
-                ++refused;
-            }
-            ASSERT_NO_THROW(checkIndexTree(one.file(), *one.table, one.index()));
-        }
-    }
-    EXPECT_GT(refused, 100);
 }
 
 }  // namespace
