@@ -79,7 +79,7 @@ void compactDatabaseFile(const std::string& sourcePath, const std::string& desti
     {
         File target(fresh.path(), Access::kReadWrite, kCacheBytes);
         Rebuild(source, target, Rebuild::Damage::kRefuse).run();
-        finish(target);
+        finish(target, destination);
     }
     fresh.giveName();
 }

@@ -22,7 +22,6 @@ using Result = FileLocks::Result;
 
 constexpr char kSource[] = "Datenbankdatei";
 constexpr std::string_view kSignature("Standard Jet DB\0", 16);
-constexpr std::array<std::uint8_t, 4> kHeaderKey = {0xC7, 0xDA, 0x39, 0x6B};
 // The clock that stamps files moves in steps of up to 10 ms; network file systems are coarser.
 constexpr std::int64_t kStampStepNs = 50'000'000;
 constexpr std::int64_t kMostClockSkewNs = 60'000'000'000;
@@ -137,7 +136,7 @@ void File::readHeader() {
     cache_.setSlots(cachePages());
     if (journal_->pageSize() != layout_->pageSize && !journal_->empty()) journal_->disregard();
     overlayHeader(header);
-    rc4(kHeaderKey, std::span(header).subspan(kHeaderMasked, layout_->maskedLength));
+    rc4(kHeaderMaskKey, std::span(header).subspan(kHeaderMasked, layout_->maskedLength));
     codePage_ = loadU16(&header[kHeaderCodePage]);
     pageKey_ = loadU32(&header[kHeaderPageKey]);
     const std::size_t order = layout_->headerSortOrder;
@@ -202,6 +201,11 @@ bool File::changed() const {
 bool File::overtaken() const {
     struct stat info {};
     return !statPath(path_, info) || stampOf(info) != stamp_ || journal_->movedOn();
+}
+
+bool File::overwritten() const {
+    struct stat info {};
+    return !statPath(path_, info) || stampOf(info) != stamp_ || journal_->replaced();
 }
 
 bool File::journalEmpty() const { return journal_->empty(); }

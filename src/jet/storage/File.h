@@ -161,6 +161,10 @@ class File {
     // that was written by others a moment before it was opened.
     bool changed() const;
 
+    // Whether pages of the state that this File has known since it was opened may be gone. False as long as
+    // other processes have only added statements: within a Reading this File then shows its state, whole.
+    bool overwritten() const;
+
     // Brings the journal into the file, if nobody else is reading or writing; false when that, or the disk,
     // does not allow it now. Never needed for correctness. Not within a Writing with uncommitted changes.
     bool checkpoint();

@@ -37,7 +37,11 @@ struct Layout {
     std::size_t dataSlots;
     std::size_t maxRowSize;
 
-    // Long values: the most that one row of a long-value page holds as a whole value, and as a part of a chain.
+    // Bytes of bits in a new page map.
+    std::size_t usageMapBytes;
+
+    // Long values: the most that one row of a long-value page holds as a whole value, and as a part of a
+    // chain.
     std::size_t maxSingleValue;
     std::size_t chainPart;
 
@@ -103,6 +107,7 @@ inline constexpr Layout kJet4Layout = {
     .dataSlotCount = 12,
     .dataSlots = 14,
     .maxRowSize = 4060,
+    .usageMapBytes = 64,
     .maxSingleValue = 4076,
     .chainPart = 4072,
     .defRowCount = 16,
@@ -159,6 +164,7 @@ inline constexpr Layout kJet3Layout = {
     .dataSlotCount = 8,
     .dataSlots = 10,
     .maxRowSize = 2012,
+    .usageMapBytes = 128,
     .maxSingleValue = 2032,
     .chainPart = 2032,
     .defRowCount = 12,
@@ -271,6 +277,8 @@ inline constexpr std::uint8_t kUsageReference = 1;
 // Kind and first page of an inline map, kind of a map of references.
 inline constexpr std::size_t kUsageInlineHead = 5;
 inline constexpr std::size_t kUsageReferenceHead = 1;
+// An inline map grows in steps of this many bytes.
+inline constexpr std::size_t kUsageGrowth = 4;
 // The map of free pages: a row of page 1, which owns itself.
 inline constexpr std::uint32_t kGlobalMapPage = 1;
 

@@ -14,7 +14,7 @@ struct IndexFaults {
 };
 
 // Builds the tree from all rows, whatever they are, and tells where they break the index's rules. Only inside
-// File::Writing. Throws Fehler 3049 for damaged rows, 3190 for keys too long for a page.
+// File::Writing. Throws Fehler 3049 for damaged rows, 3047 for keys too long for a page.
 IndexFaults buildIndex(File& file, PageAllocator& allocator, const TableDef& table, const Index& index);
 
 }  // namespace wendel::jet

@@ -31,7 +31,7 @@ class IndexWriter {
     // do not ask for them.
     bool contains(std::string_view key);
 
-    // Nothing happens when this entry is there already. Throws Fehler 3190 when the key is too long for a
+    // Nothing happens when this entry is there already. Throws Fehler 3047 when the key is too long for a
     // page to hold at least two of its kind.
     void insert(std::string_view key, RowId row);
 
@@ -42,7 +42,7 @@ class IndexWriter {
     bool removeByRow(RowId row);
 
     // Replaces the whole tree by these entries, in whatever order they come: full leaves, nodes above them,
-    // the root where it was; the old pages are released. Throws Fehler 3190 as insert does.
+    // the root where it was; the old pages are released. Throws Fehler 3047 as insert does.
     void build(std::vector<std::pair<std::string, RowId>> entries);
 
   private:

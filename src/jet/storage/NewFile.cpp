@@ -166,8 +166,7 @@ std::uint32_t makeSystemTable(File& file, PageAllocator& allocator, const System
 // Page 1: the map of free pages, in which everything behind these first pages counts as free, and a second
 // map that is always empty.
 void fillGlobalMap(const Layout& layout, std::uint32_t usedPages, std::uint8_t* page) {
-    const std::size_t bits = layout.version == Version::kJet4 ? 64 : 128;
-    const std::size_t row = kUsageInlineHead + bits;
+    const std::size_t row = kUsageInlineHead + layout.usageMapBytes;
     const std::size_t first = layout.pageSize - row, second = first - row;
     page[0] = static_cast<std::uint8_t>(PageType::kData);
     page[1] = 1;
@@ -176,7 +175,7 @@ void fillGlobalMap(const Layout& layout, std::uint32_t usedPages, std::uint8_t* 
     storeU16(page + layout.dataSlotCount, 2);
     storeU16(page + layout.dataSlots, static_cast<std::uint16_t>(first));
     storeU16(page + layout.dataSlots + 2, static_cast<std::uint16_t>(second));
-    for (std::uint32_t number = usedPages; number < 8 * bits; ++number)
+    for (std::uint32_t number = usedPages; number < 8 * layout.usageMapBytes; ++number)
         page[first + kUsageInlineHead + number / 8] |= static_cast<std::uint8_t>(1u << number % 8);
 }
 
@@ -356,8 +355,8 @@ void addStandardAccess(CatalogWriter& catalog, const std::set<std::uint32_t>& ex
     }
 }
 
-void finish(File& file) {
-    if (!file.checkpoint()) throwWriteError(std::string(), ENOSPC);
+void finish(File& file, const std::string& path) {
+    if (!file.checkpoint()) throwWriteError(path, ENOSPC);
 }
 
 void createDatabaseFile(const std::string& nativePath, Version version) {
@@ -371,7 +370,7 @@ void createDatabaseFile(const std::string& nativePath, Version version) {
         addStandardObjects(catalog, currentDay());
         addStandardAccess(catalog);
         writing.commit(Durability::kSoon);
-        finish(file);
+        finish(file, fresh.path());
     }
     fresh.giveName();
 }

@@ -58,7 +58,8 @@ void addStandardAccess(CatalogWriter& catalog, const std::set<std::uint32_t>& ex
 // Throws Fehler 3204 when something of this name exists.
 void refuseExisting(const std::string& path);
 
-// Brings the journal of a finished new file into it. Throws Fehler 3026 when that is impossible.
-void finish(File& file);
+// Brings the journal of the finished new file of this path into it. Throws Fehler 3026 when that is
+// impossible.
+void finish(File& file, const std::string& path);
 
 }  // namespace wendel::jet

@@ -1,12 +1,12 @@
 #include "jet/storage/PageAllocator.h"
 
 #include <algorithm>
-#include <bit>
 #include <optional>
 #include <span>
 #include <vector>
 
 #include "jet/storage/Bytes.h"
+#include "jet/storage/Catalog.h"
 #include "jet/storage/DataPage.h"
 #include "jet/storage/Table.h"
 #include "jet/storage/UsageMap.h"
@@ -16,13 +16,9 @@ namespace wendel::jet {
 namespace {
 
 constexpr RowPointer kGlobalMap = {kGlobalMapPage, 0};
-// An inline map grows in steps of this many bytes.
-constexpr std::uint32_t kGrowth = 4;
-constexpr std::int32_t kTableObject = 1;
-constexpr std::uint32_t kObjectIdPageMask = 0xFFFFFF;
 
 // Bytes that an inline map from page 0 needs to tell about this page.
-std::size_t bitmapBytes(std::uint32_t page) { return (page / 8 / kGrowth + 1) * kGrowth; }
+std::size_t bitmapBytes(std::uint32_t page) { return (page / 8 / kUsageGrowth + 1) * kUsageGrowth; }
 
 // Each bit set: the page is free. Pages outside the map count as used where they exist, as free where they do
 // not exist yet.
@@ -36,17 +32,20 @@ class GlobalMap {
         return pages;
     }
 
-    // The first free page from this one on; nothing when there is none in the file.
-    std::optional<std::uint32_t> nextFree(std::uint32_t from) {
+    // The first free page in the file that is accepted; nothing when there is none.
+    template <class Accept>
+    std::optional<std::uint32_t> firstFree(Accept accept) {
         for (const UsageBits& bits : usageBits(file_, kGlobalMap)) {
             const std::uint64_t end =
                 std::min<std::uint64_t>(bits.firstPage + 8 * bits.bytes.size(), file_.pageCount());
-            std::uint64_t page = std::max<std::uint64_t>(from, bits.firstPage);
-            while (page < end) {
+            for (std::uint64_t page = bits.firstPage; page < end; ++page) {
                 const std::uint64_t bit = page - bits.firstPage;
-                const unsigned rest = bits.bytes[bit / 8] >> (bit % 8);
-                page += rest != 0 ? static_cast<unsigned>(std::countr_zero(rest)) : 8 - bit % 8;
-                if (rest != 0 && page < end) return static_cast<std::uint32_t>(page);
+                const std::uint8_t byte = bits.bytes[bit / 8];
+                if (byte == 0) {
+                    page += 7 - bit % 8;
+                } else if ((byte >> (bit % 8) & 1) != 0 && accept(static_cast<std::uint32_t>(page))) {
+                    return static_cast<std::uint32_t>(page);
+                }
             }
         }
         return std::nullopt;
@@ -161,9 +160,9 @@ class UseFinder {
         const auto type = catalog->findColumn("Type");
         if (!id || !type) file_.throwDamaged("Katalog");
         for (TableScan scan(file_, *catalog); scan.next();) {
-            if (scan.row().asInteger(*type) != kTableObject) continue;
+            if (scan.row().asInteger(*type) != catalog::kTypeTable) continue;
             const std::uint32_t page =
-                static_cast<std::uint32_t>(scan.row().asInteger(*id)) & kObjectIdPageMask;
+                static_cast<std::uint32_t>(scan.row().asInteger(*id)) & catalog::kPageOfId;
             if (page != kCatalogPage) markTable(*loadTableDef(file_, page, ""));
         }
     }
@@ -214,8 +213,7 @@ class UseFinder {
 
 std::uint32_t PageAllocator::allocate() {
     GlobalMap map(file_);
-    for (auto free = map.nextFree(0); free; free = map.nextFree(*free + 1)) {
-        if (!mayBeReused(*free)) continue;
+    if (const auto free = map.firstFree([this](std::uint32_t page) { return mayBeReused(page); })) {
         map.set(*free, false);
         file_.replace(*free);
         return *free;
@@ -229,6 +227,7 @@ void PageAllocator::release(std::uint32_t page) {
     GlobalMap map(file_);
     if (page <= kCatalogPage || page >= file_.pageCount()) file_.throwDamaged("Seitenliste");
     map.set(page, true);
+    lookedUsed_.erase(page);
     std::uint8_t& type = (*file_.edit(page))[0];
     const bool definition = type == static_cast<std::uint8_t>(PageType::kDefinition);
     type = static_cast<std::uint8_t>(definition ? PageType::kFreedDefinition : PageType::kFreedData);
@@ -237,7 +236,10 @@ void PageAllocator::release(std::uint32_t page) {
 bool PageAllocator::mayBeReused(std::uint32_t page) {
     if (page <= kCatalogPage) return false;
     if (!lookedUp_) lookUpUse();
-    return reuse_ && !contested_.contains(page) && !looksUsed(page);
+    if (!reuse_ || contested_.contains(page) || lookedUsed_.contains(page)) return false;
+    if (!looksUsed(page)) return true;
+    lookedUsed_.insert(page);
+    return false;
 }
 
 // Freed pages of other writers often keep their content. Only those are taken whose content can be nobody's:

@@ -42,6 +42,8 @@ class PageAllocator {
     // Pages that were noted as free when they were looked up, but are listed by somebody. What is freed later
     // was in good order before, or is one of these still.
     std::set<std::uint32_t> contested_;
+    // Found to look as if they were in use; not looked at again.
+    std::set<std::uint32_t> lookedUsed_;
 };
 
 }  // namespace wendel::jet

@@ -7,6 +7,7 @@
 
 #include "jet/storage/Bytes.h"
 #include "jet/storage/CatalogWriter.h"
+#include "jet/storage/CellEncoder.h"
 #include "jet/storage/NewFile.h"
 #include "jet/storage/Table.h"
 #include "jet/storage/TableBuilder.h"
@@ -233,16 +234,16 @@ void Rebuild::copyRows(const RebuildTable& table, std::uint32_t page) {
     TableWriter writer(target_, plain, allocator_);
     const std::vector<RowId> rows = inKeyOrder(table);
     const std::span<const RowId> all(rows);
-    const auto insert = [&](std::span<const RowId> batch) {
-        const bool done = attempt([&] { insertRows(*table.definition, batch, writer); });
+    const auto insert = [&](auto step) {
+        const bool done = attempt(step);
         if (!done) writer.forget();
         return done;
     };
     for (std::size_t from = 0; from < rows.size(); from += kBatchRows) {
         const std::span<const RowId> batch = all.subspan(from, std::min(kBatchRows, rows.size() - from));
-        if (!insert(batch)) {
-            for (std::size_t i = 0; i < batch.size(); ++i)
-                insert(batch.subspan(i, 1));
+        if (!insert([&] { insertRows(*table.definition, batch, writer); })) {
+            for (const RowId id : batch)
+                insert([&] { insertSalvaged(*table.definition, id, writer); });
         }
         if (from / kCheckpointRows != (from + kBatchRows) / kCheckpointRows) target_.checkpoint();
     }
@@ -253,6 +254,23 @@ void Rebuild::insertRows(const TableDef& table, std::span<const RowId> rows, Tab
     for (const RowId id : rows) {
         if (readRow(table, id, values)) writer.insert(values.cells());
     }
+}
+
+// A value that its column does not take (a number that is none, a text longer than a damaged definition
+// allows) becomes Null.
+void Rebuild::insertSalvaged(const TableDef& table, RowId id, TableWriter& writer) {
+    RowValues values;
+    if (!readRow(table, id, values)) return;
+    std::vector<Cell> cells(values.cells().begin(), values.cells().end());
+    for (std::size_t column = 0; column < cells.size(); ++column) {
+        std::string buffer;
+        try {
+            columnValue(target_, table.columns[column], cells[column], buffer);
+        } catch (const Fehler&) {
+            cells[column] = {};
+        }
+    }
+    writer.insert(cells);
 }
 
 // The copied rows have raised it to the highest number among them; given out were perhaps more.

@@ -38,7 +38,7 @@ class Rebuild {
   public:
     enum class Damage {
         kRefuse,    // what cannot be copied exactly ends the whole with its Fehler
-        kPassOver,  // it is left out: rows, a long value (Null instead), an index
+        kPassOver,  // it is left out: rows, a value (Null instead), an index
     };
 
     // The target is what writeEmptyDatabase (NewFile.h) made, with the source's header. Both must outlive
@@ -65,6 +65,7 @@ class Rebuild {
     void copyIndexes(const TableDef& table, const DefinitionParts& old, TableBuilder& builder);
     void copyRows(const RebuildTable& table, std::uint32_t page);
     void insertRows(const TableDef& table, std::span<const RowId> rows, TableWriter& writer);
+    void insertSalvaged(const TableDef& table, RowId id, TableWriter& writer);
     std::vector<RowId> inKeyOrder(const RebuildTable& table);
     bool readRow(const TableDef& table, RowId id, RowValues& values);
     bool readSoundColumns(const TableDef& table, const RowView& row, RowValues& values);

@@ -28,12 +28,12 @@
 
 // What counts as readable:
 // - a table: when its definition can be read. Its name comes from the catalog; where the catalog has lost
-// rows, all
-//   definitions that nobody names and that are not marked as free count as tables too, with names from the
-//   catalog's indexes or invented ones;
+//   rows, all definitions that nobody names and that are not marked as free count as tables too, with names
+//   from the catalog's indexes or invented ones;
 // - a row: when its bytes fit together. Rows are looked for on the pages of the table's map and, when that
 //   gives fewer than the definition counts, on all pages that name the table as their owner;
-// - a long value for itself: it becomes Null when it is lost, and its row stays.
+// - a long value for itself: it becomes Null when it is lost, and its row stays; so does any other value that
+//   its column does not take.
 // Indexes are not read at all but built anew.
 
 namespace wendel::jet {
@@ -309,26 +309,28 @@ class DamagedFile {
 void DamagedFile::openCopy(const std::string& path, bool withNewHeader) {
     namespace fs = std::filesystem;
     const Layout& layout = *layoutOf(startOf(path));
-    copy_ = std::make_unique<NewFile>(path);
+    copy_ = std::make_unique<NewFile>(path, path + ".kopie");
     std::error_code error;
     fs::copy_file(path, copy_->path(), fs::copy_options::overwrite_existing, error);
-    if (error) throwWriteError(jetfehler::kDiskFull);
     const std::uintmax_t pages = (fs::file_size(path) + layout.pageSize - 1) / layout.pageSize;
-    fs::resize_file(copy_->path(), pages * layout.pageSize, error);
+    if (!error) fs::resize_file(copy_->path(), pages * layout.pageSize, error);
+    // Why copying failed is not told reliably; a full disk is what it nearly always is.
+    if (error) throwWriteError(copy_->path(), ENOSPC);
     if (withNewHeader) {
         const std::vector<std::uint8_t> header = newHeader(layout.version);
         std::fstream out(copy_->path(), std::ios::binary | std::ios::in | std::ios::out);
         out.write(reinterpret_cast<const char*>(header.data()), static_cast<std::streamsize>(header.size()));
-        if (!out.flush()) throwWriteError(jetfehler::kDiskFull);
+        if (!out.flush()) throwWriteError(copy_->path(), ENOSPC);
     }
-    if (error) throwWriteError(jetfehler::kDiskFull);
     file_ = std::make_unique<File>(copy_->path(), Access::kReadOnly, kCacheBytes);
 }
 
 // Where files cannot have two names. The copy is complete before the original goes.
 void copyDamaged(const std::string& path, const std::string& kept) {
     std::error_code error;
-    if (!std::filesystem::copy_file(path, kept, error)) throwWriteError(jetfehler::kDiskFull);
+    if (std::filesystem::copy_file(path, kept, error)) return;
+    ::unlink(kept.c_str());
+    throwWriteError(kept, ENOSPC);
 }
 
 // A second name for the file that is going to be replaced; never that of an earlier one.
@@ -359,7 +361,7 @@ void repairDatabaseFile(const std::string& nativePath) {
         if (source.tables.empty() && !salvage.complete()) file.throwDamaged("Keine Tabelle ist lesbar");
         Rebuild rebuild(source, target, Rebuild::Damage::kPassOver);
         rebuild.run();
-        finish(target);
+        finish(target, path);
         complete = complete && salvage.complete() && rebuild.complete();
     }
     damaged.reset();

@@ -33,7 +33,7 @@ class RowImage {
     // The value's stored bytes; for Memo and OLE the reference. Copied.
     void set(const Column& column, std::string_view bytes);
 
-    // The bytes, valid until the next call. Throws Fehler 3190 when they are too many for a page.
+    // The bytes, valid until the next call. Throws Fehler 3047 when they are too many for a page.
     std::span<const std::uint8_t> encode();
 
   private:

@@ -34,7 +34,7 @@ std::string_view description(int number) {
                    "beginnen, "
                    "keine unzulässigen Zeichen enthalten und höchstens 64 Zeichen lang sein.";
         case jetfehler::kBracketsInName: return "Ungültige Verwendung von Klammern bei dem Namen '|'.";
-        case jetfehler::kRowTooLarge: return "Zu viele Felder definiert.";
+        case jetfehler::kTooManyColumns: return "Zu viele Felder definiert.";
         case jetfehler::kDuplicateColumn: return "Das Feld '|' kann nicht mehr als einmal definiert werden.";
         case jetfehler::kWrongColumnType: return "Ungültiger Felddatentyp bei '|'.";
         case jetfehler::kTooManyIndexColumns: return "Ein Index kann höchstens 10 Felder haben.";
@@ -55,11 +55,16 @@ std::string_view description(int number) {
     throw Fehler(number, kSource, ersetzt(description(number), "|", name));
 }
 
-void checkName(std::string_view name) {
+// A Jet 3 file cannot tell names apart by characters that its code page lacks.
+bool canBeStored(const File& file, std::string_view name) {
+    return file.version() != Version::kJet3 || ausWindows1252(nachWindows1252(name)) == name;
+}
+
+void checkName(const File& file, std::string_view name) {
     if (name.find_first_of("[]") != std::string_view::npos)
         throwSchemaError(jetfehler::kBracketsInName, name);
     const bool bad = name.empty() || name.front() == ' ' || utf16Length(name) > kMaxNameLength ||
-                     std::any_of(name.begin(), name.end(), [](char c) {
+                     !canBeStored(file, name) || std::any_of(name.begin(), name.end(), [](char c) {
                          return static_cast<std::uint8_t>(c) < 0x20 || c == '.' || c == '!' || c == '`';
                      });
     if (bad) throwSchemaError(jetfehler::kInvalidName, name);
@@ -89,7 +94,7 @@ std::uint8_t columnFlags(const ColumnSpec& spec) {
 }
 
 void checkColumn(const File& file, const ColumnSpec& spec) {
-    checkName(spec.name);
+    checkName(file, spec.name);
     const bool sized = spec.type == ColumnType::kText || spec.type == ColumnType::kBinary;
     const bool decimal = spec.type == ColumnType::kDecimal;
     const bool mayCount = spec.type == ColumnType::kLong || spec.type == ColumnType::kGuid;
@@ -115,7 +120,7 @@ DefinitionParts::Named columnOf(const File& file, const ColumnSpec& spec) {
 }
 
 std::vector<DefinitionParts::Named> columnsOf(const File& file, std::span<const ColumnSpec> specs) {
-    if (specs.empty() || specs.size() > kMaxColumns) throwSchemaError(jetfehler::kRowTooLarge);
+    if (specs.empty() || specs.size() > kMaxColumns) throwSchemaError(jetfehler::kTooManyColumns);
     std::vector<DefinitionParts::Named> columns;
     bool counting = false;
     for (const ColumnSpec& spec : specs) {
@@ -156,8 +161,9 @@ RealIndexPart realIndexOf(const Layout& layout, const DefinitionParts& parts, co
     return real;
 }
 
-void addIndex(const Layout& layout, TableBuilder& builder, const IndexSpec& spec) {
-    checkName(spec.name);
+void addIndex(const File& file, TableBuilder& builder, const IndexSpec& spec) {
+    checkName(file, spec.name);
+    const Layout& layout = file.layout();
     const DefinitionParts& parts = builder.parts();
     for (const DefinitionParts::Named& other : parts.logicalIndexes) {
         if (gleichOhneGrossKlein(other.name, spec.name)) throwSchemaError(jetfehler::kIndexExists, spec.name);
@@ -247,7 +253,7 @@ void removeRealIndex(const Layout& layout, DefinitionParts& parts, std::uint32_t
 void createTable(Database& database, const std::string& name, std::span<const ColumnSpec> columns,
                  std::span<const IndexSpec> indexes) {
     File& file = database.file();
-    checkName(name);
+    checkName(file, name);
     const auto allocator = std::make_shared<PageAllocator>(file);
     CatalogWriter catalog(file, allocator);
     if (catalog.contains(name)) throwSchemaError(jetfehler::kTableExists, name);
@@ -255,7 +261,7 @@ void createTable(Database& database, const std::string& name, std::span<const Co
     TableBuilder builder(file, *allocator, page, false);
     builder.addColumns(columnsOf(file, columns));
     for (const IndexSpec& index : indexes)
-        addIndex(file.layout(), builder, index);
+        addIndex(file, builder, index);
     builder.store();
     catalog.addTable(page, name, currentDay());
     catalog.allowUsers(page);
@@ -266,7 +272,7 @@ void createIndex(Database& database, const std::string& table, const IndexSpec& 
     const std::shared_ptr<const TableDef> before = userTable(database, table, jetfehler::kNoTableToIndex);
     PageAllocator allocator(file);
     TableBuilder builder(file, allocator, *before);
-    addIndex(file.layout(), builder, index);
+    addIndex(file, builder, index);
     builder.store();
     const std::shared_ptr<const TableDef> after = loadTableDef(file, before->page, before->name);
     const Index& added = *after->findIndex(index.name);

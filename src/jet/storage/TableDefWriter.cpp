@@ -109,7 +109,7 @@ void placeColumn(const Layout& layout, bool system, Places& places, Block& colum
         places.fixedEnd += loadU16(&column[layout.columnLength]);
     }
     if (places.fixedEnd > layout.maxRowSize) {
-        throw Fehler(jetfehler::kRowTooLarge, kSource, "Der Datensatz ist zu groß.");
+        throw Fehler(jetfehler::kTooManyColumns, kSource, "Zu viele Felder definiert.");
     }
 }
 

@@ -66,6 +66,7 @@ class TableWriter::Impl {
     };
     void addTree(const Index& index);
     void requireKnownOrders() const;
+    std::int32_t highestAutonumber();
     std::int32_t nextAutonumber();
     Cell givenCell(std::size_t column, const Cell& given);
     void noteInDefinition(int rows);
@@ -139,17 +140,19 @@ void TableWriter::Impl::requireKnownOrders() const {
         if (!tree.index->searchable) throwWriteError(jetfehler::kReadOnly);
 }
 
+// Given out so far.
+std::int32_t TableWriter::Impl::highestAutonumber() {
+    const PagePtr definition = file_.page(table_->page);
+    return static_cast<std::int32_t>(loadU32(&(*definition)[file_.layout().defLastAutonumber]));
+}
+
 std::int32_t TableWriter::Impl::nextAutonumber() {
-    if (!newLast_) {
-        const PagePtr definition = file_.page(table_->page);
-        newLast_ = static_cast<std::int32_t>(loadU32(&(*definition)[file_.layout().defLastAutonumber]));
-    }
-    if (*newLast_ == INT32_MAX) throwWriteError(jetfehler::kNumericOverflow);
-    return *newLast_ + 1;
+    const std::int32_t highest = highestAutonumber();
+    if (highest == INT32_MAX) throwWriteError(jetfehler::kNumericOverflow);
+    return highest + 1;
 }
 
 std::int32_t TableWriter::Impl::reserveAutonumber() {
-    newLast_.reset();
     newLast_ = lastAutonumber_ = nextAutonumber();
     noteInDefinition(0);
     return lastAutonumber_;
@@ -164,10 +167,10 @@ Cell TableWriter::Impl::givenCell(std::size_t c, const Cell& given) {
     if (!column.autonumber || column.type != ColumnType::kLong) {
         return columnValue(file_, column, given, buffers_[c]);
     }
-    const std::int32_t next = nextAutonumber();
-    const Cell number = null ? Cell(std::int64_t{next}) : columnValue(file_, column, given, buffers_[c]);
+    const Cell number =
+        null ? Cell(std::int64_t{nextAutonumber()}) : columnValue(file_, column, given, buffers_[c]);
     lastAutonumber_ = static_cast<std::int32_t>(std::get<std::int64_t>(number));
-    newLast_ = std::max(*newLast_, lastAutonumber_);
+    newLast_ = std::max(highestAutonumber(), lastAutonumber_);
     return number;
 }
 

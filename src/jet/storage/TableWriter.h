@@ -24,8 +24,8 @@ using Cell = KeyValue;
 // the caller lets its Writing go without commit() and calls forget(). A writer can serve many statements, as
 // long as the table's definition stays the same; forget() also belongs behind every other rollback.
 //
-// Fehler: 3022 duplicate key, 3027 an index whose order is not known (before any change), 3049 damaged,
-// 3058 Null in the primary key, 3163 text or bytes too long for the column, 3190 row too large, 3314 Null in
+// Fehler: 3022 duplicate key, 3027 an index whose order is not known (before any change), 3047 row or key too
+// large, 3049 damaged, 3058 Null in the primary key, 3163 text or bytes too long for the column, 3314 Null in
 // a required index, 3349 number outside the column's range, 3421 a value of the wrong kind.
 class TableWriter {
   public:

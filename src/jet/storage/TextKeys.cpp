@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "jet/storage/Bytes.h"
+#include "jet/storage/TextCoding.h"
 #include "platform/Text.h"
 
 namespace wendel::jet {
@@ -106,27 +107,12 @@ class Units {
     }
 
     char32_t decode() {
-        const auto byteAt = [this](std::size_t i) {
-            return i < text_.size() ? static_cast<std::uint8_t>(text_[i]) : std::uint8_t{0};
-        };
-        const std::uint8_t first = byteAt(position_);
-        if (first < 0x80) return text_[position_++] & 0x7F;
-        const std::size_t more = first >= 0xF0 && first < 0xF8 ? 3
-                                 : first >= 0xE0               ? 2
-                                 : first >= 0xC2               ? 1
-                                                               : 0;
-        char32_t c = more == 3 ? first & 0x07u : more == 2 ? first & 0x0Fu : first & 0x1Fu;
-        for (std::size_t i = 1; i <= more; ++i) {
-            const std::uint8_t byte = byteAt(position_ + i);
-            if ((byte & 0xC0) != 0x80) {
-                ++position_;
-                return 0xFFFD;
-            }
-            c = c << 6 | (byte & 0x3Fu);
+        const char first = text_[position_];
+        if ((first & 0x80) == 0) {
+            ++position_;
+            return static_cast<unsigned char>(first);
         }
-        position_ += 1 + more;
-        if (more == 0 || first >= 0xF8 || c > 0x10FFFF) return 0xFFFD;
-        return c;
+        return decodeUtf8(text_, position_);
     }
 
     std::string_view text_;

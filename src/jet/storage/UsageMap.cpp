@@ -9,9 +9,6 @@
 namespace wendel::jet {
 namespace {
 
-// An inline map grows in steps of this many bytes.
-constexpr std::size_t kGrowth = 4;
-
 void appendBits(const UsageBits& bits, std::vector<std::uint32_t>& pages) {
     for (std::size_t i = 0; i < bits.bytes.size(); ++i) {
         if (bits.bytes[i] == 0) continue;
@@ -92,7 +89,7 @@ bool rewriteInline(File& file, RowPointer map, const MapRow& old, std::span<cons
         writeInline(editor.row(map.slot), windowStart, pages);
         return true;
     }
-    const std::size_t bytes = (pages.back() / 8 / kGrowth + 1) * kGrowth;
+    const std::size_t bytes = (pages.back() / 8 / kUsageGrowth + 1) * kUsageGrowth;
     const std::size_t length = std::max(kUsageInlineHead + bytes, editor.row(map.slot).size());
     if (!editor.fitsInSlot(map.slot, length)) return false;
     editor.lengthen(map.slot, length);

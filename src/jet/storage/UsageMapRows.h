@@ -22,7 +22,6 @@ class UsageMapRows {
 
   private:
     bool hasRoom() const;
-    void newPage();
 
     File& file_;
     PageAllocator& allocator_;
