@@ -2,8 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <functional>
+#include <map>
 #include <random>
 #include <string>
 
@@ -20,11 +22,13 @@ namespace {
 
 namespace fs = std::filesystem;
 
+constexpr char kGuide[] = "tvdaten-klein.mdb";
+
 class RepairTest : public testing::Test {
   protected:
     void SetUp() override {
         if (!test::haveData()) GTEST_SKIP() << "no example files at " << test::dataPath("");
-        use("tvdaten-klein.mdb");
+        use(kGuide);
     }
 
     void use(const std::string& name) {
@@ -64,8 +68,8 @@ std::size_t countOf(const std::map<std::string, test::Rows>& tables) {
 }
 
 TEST_F(RepairTest, SoundFilesKeepEverything) {
-    for (const char* name : {"tvdaten-klein.mdb", "typen.mdb", "echte/adox_jet4.mdb",
-                             "echte/overflowV2000.mdb", "echte/common2V1997.mdb"}) {
+    for (const char* name :
+         {kGuide, "typen.mdb", "echte/adox_jet4.mdb", "echte/overflowV2000.mdb", "echte/common2V1997.mdb"}) {
         SCOPED_TRACE(name);
         use(name);
         repair();
@@ -75,34 +79,34 @@ TEST_F(RepairTest, SoundFilesKeepEverything) {
     }
 }
 
-// Each page in turn that is not a page of rows or a definition: nothing is lost but what long values lay
-// there.
+// Pages of every kind but rows and definitions: nothing is lost but what long values lay there.
 TEST_F(RepairTest, AnyOtherPageCostsNoRow) {
     const std::string sound = image_;
-    const auto rows = test::allRows(test::dataPath("tvdaten-klein.mdb"), false);
-    const auto indexes = test::checkedIndexes(test::dataPath("tvdaten-klein.mdb"));
-    std::size_t tried = 0;
-    for (std::uint32_t number = 1; number < sound.size() / 4096; number += number < 40 ? 1 : 17) {
+    const auto rows = test::allRows(test::dataPath(kGuide), false);
+    const auto indexes = test::checkedIndexes(test::dataPath(kGuide));
+    std::map<std::pair<std::uint8_t, std::uint32_t>, int> tried;
+    for (std::uint32_t number = 1; number < sound.size() / 4096; ++number) {
         image_ = sound;
         const std::uint32_t owner = loadU32(page(number) + kPageOwner);
         const bool userRows =
             page(number)[0] == 1 && owner != 0 && owner != kLongValueOwner && owner != 3 && owner != 1;
         const bool userDefinition = page(number)[0] == 2 && number > 5;
-        if (userRows || userDefinition) continue;
+        // Pages of one kind and owner are as good as each other; the bits of a map have no owner.
+        const std::uint32_t group = page(number)[0] == 5 ? 0 : owner;
+        if (userRows || userDefinition || ++tried[{page(number)[0], group}] > 2) continue;
         SCOPED_TRACE(number);
-        ++tried;
         destroy(number);
         repair();
         EXPECT_EQ(test::allRows(path(), false), rows);
         EXPECT_EQ(test::checkedIndexes(path()), indexes);
     }
-    EXPECT_GT(tried, 40u);
+    EXPECT_GT(tried.size(), 12u);
 }
 
 TEST_F(RepairTest, PagesOfRowsCostTheirRows) {
     const std::string sound = image_;
-    const auto all = test::allRows(test::dataPath("tvdaten-klein.mdb"));
-    Database database(test::dataPath("tvdaten-klein.mdb"), Access::kReadOnly);
+    const auto all = test::allRows(test::dataPath(kGuide));
+    Database database(test::dataPath(kGuide), Access::kReadOnly);
     for (const char* name : {"Sender", "Sendungen", "SendungenDetails", "Markierungen"}) {
         SCOPED_TRACE(name);
         const std::uint32_t lost = readUsageMap(database.file(), database.table(name)->ownedPages).back();
@@ -125,37 +129,39 @@ TEST_F(RepairTest, PagesOfRowsCostTheirRows) {
     }
 }
 
-// One row whose bytes do not fit together.
-TEST_F(RepairTest, DamagedRowsGoAloneAndDamagedMemosBecomeNull) {
-    Database database(test::dataPath("tvdaten-klein.mdb"), Access::kReadOnly);
-    const auto table = database.table("SendungenDetails");
-    TableScan scan(database.file(), *table);
-    ASSERT_TRUE(scan.next());
-    const RowId id = scan.row().id();
-    const std::uint8_t* slots = page(pageOf(id)) + kJet4Layout.dataSlots;
-    std::uint8_t* row = page(pageOf(id)) + (loadU16(slots + 2 * slotOf(id)) & kSlotOffsetMask);
-    storeU16(row, 0x7FFF);  // more columns than the table has
-    const Column& memo = table->columns[table->findColumn("Beschreibung").value()];
-    const auto pages = readUsageMap(database.file(), memo.longValuePages);
-    ASSERT_FALSE(pages.empty());
-    destroy(pages.front());
+// A row whose bytes do not fit together goes; one with a day that is no number, or a lost memo, stays.
+TEST_F(RepairTest, DamagedRowsGoAloneAndDamagedValuesBecomeNull) {
+    Database database(test::dataPath(kGuide), Access::kReadOnly);
+    const auto rowIn = [&](const char* table) {
+        TableScan scan(database.file(), *database.table(table));
+        EXPECT_TRUE(scan.next());
+        std::uint8_t* home = page(pageOf(scan.row().id()));
+        return home + (loadU16(home + kJet4Layout.dataSlots + 2 * slotOf(scan.row().id())) & kSlotOffsetMask);
+    };
+    storeU16(rowIn("SendungenDetails"), 0x7FFF);  // more columns than the table has
+    const auto dates = database.table("Sendungen");
+    const auto date = std::find_if(dates->columns.begin(), dates->columns.end(),
+                                   [](const Column& c) { return c.type == ColumnType::kDate && c.fixed; });
+    ASSERT_NE(date, dates->columns.end());
+    storeU64(rowIn("Sendungen") + 2 + date->fixedOffset, 0x7FF8000000000000);
+    const auto details = database.table("SendungenDetails");
+    const Column& memo = details->columns[details->findColumn("Beschreibung").value()];
+    destroy(readUsageMap(database.file(), memo.longValuePages).front());
     repair();
     EXPECT_TRUE(originalKept());
-    auto expected = test::allRows(test::dataPath("tvdaten-klein.mdb"), false);
-    auto found = test::allRows(path(), false);
-    EXPECT_EQ(found["SendungenDetails"].size() + 1, expected["SendungenDetails"].size());
-    found.erase("SendungenDetails");
-    expected.erase("SendungenDetails");
-    EXPECT_EQ(found, expected);
-    std::size_t nulls = 0;
-    const auto repaired = test::allRows(path());
-    for (const std::string& text : repaired.at("SendungenDetails"))
-        nulls += text.find("|Null|") != std::string::npos ? 1 : 0;
-    EXPECT_GT(nulls, 0u);
+    const auto expected = test::allRows(test::dataPath(kGuide), false);
+    const auto found = test::allRows(path());
+    EXPECT_EQ(found.at("SendungenDetails").size() + 1, expected.at("SendungenDetails").size());
+    EXPECT_EQ(found.at("Sendungen").size(), expected.at("Sendungen").size());
+    const auto& texts = found.at("SendungenDetails");
+    EXPECT_TRUE(std::any_of(texts.begin(), texts.end(), [](const std::string& text) {
+        return text.find("|Null|") != std::string::npos;
+    }));
+    test::checkedIndexes(path());
 }
 
 TEST_F(RepairTest, RowsThatAUniqueIndexForbidsStay) {
-    Database database(test::dataPath("tvdaten-klein.mdb"), Access::kReadOnly);
+    Database database(test::dataPath(kGuide), Access::kReadOnly);
     const auto table = database.table("Sendungen");
     const Index& index = *table->findIndex("SenderKennung");
     std::uint8_t* definition = page(table->page);
@@ -163,13 +169,13 @@ TEST_F(RepairTest, RowsThatAUniqueIndexForbidsStay) {
     block += index.real * kJet4Layout.realIndexSize;
     block[kJet4Layout.realIndexFlags] |= kIndexUnique;
     repair();
-    EXPECT_EQ(test::allRows(path()), test::allRows(test::dataPath("tvdaten-klein.mdb")));
-    EXPECT_EQ(test::checkedIndexes(path()), test::checkedIndexes(test::dataPath("tvdaten-klein.mdb")));
+    EXPECT_EQ(test::allRows(path()), test::allRows(test::dataPath(kGuide)));
+    EXPECT_EQ(test::checkedIndexes(path()), test::checkedIndexes(test::dataPath(kGuide)));
 }
 
 TEST_F(RepairTest, HeadersAndEndsAreMended) {
     const std::string sound = image_;
-    const auto rows = test::allRows(test::dataPath("tvdaten-klein.mdb"));
+    const auto rows = test::allRows(test::dataPath(kGuide));
     const struct {
         const char* name;
         std::function<void()> damage;
@@ -195,7 +201,7 @@ TEST_F(RepairTest, HeadersAndEndsAreMended) {
 
 // The catalog's page of rows: the tables are found without it, and named as its indexes tell.
 TEST_F(RepairTest, TablesAreFoundWithoutTheCatalog) {
-    Database database(test::dataPath("tvdaten-klein.mdb"), Access::kReadOnly);
+    Database database(test::dataPath(kGuide), Access::kReadOnly);
     destroy(
         readUsageMap(database.file(), loadTableDef(database.file(), kCatalogPage, {})->ownedPages).front());
     repair();
@@ -203,16 +209,10 @@ TEST_F(RepairTest, TablesAreFoundWithoutTheCatalog) {
     Database repaired(path(), Access::kReadOnly);
     for (const char* name : {"Sender", "Sendungen", "SendungenDetails", "Markierungen"})
         EXPECT_NE(repaired.table(name), nullptr) << name;
-    EXPECT_EQ(countOf(test::allRows(path())), countOf(test::allRows(test::dataPath("tvdaten-klein.mdb"))));
+    EXPECT_EQ(countOf(test::allRows(path())), countOf(test::allRows(test::dataPath(kGuide))));
 }
 
 TEST_F(RepairTest, RefusesWhatItMustNotReplace) {
-    copy_.write(image_);
-    {
-        const File user(path(), Access::kReadOnly);
-        EXPECT_EQ(fehlernummerVon([&] { repairDatabaseFile(path()); }), 3050);
-    }
-    EXPECT_EQ(test::readFile(path()), image_);
     const std::string text(20000, 'x');
     copy_.write(text);
     EXPECT_EQ(fehlernummerVon([&] { repairDatabaseFile(path()); }), 3343);
@@ -223,9 +223,7 @@ TEST_F(RepairTest, RefusesWhatItMustNotReplace) {
 // Earlier originals are never overwritten, and a repaired file needs no second repair.
 TEST_F(RepairTest, EachDamagedOriginalIsKept) {
     image_[6] = 'x';
-    copy_.write(image_);
-    repairDatabaseFile(path());
-    const std::string repaired = test::readFile(path());
+    repair();
     copy_.write(image_);
     repairDatabaseFile(path());
     EXPECT_TRUE(fs::exists(path() + ".defekt2"));
@@ -241,7 +239,7 @@ TEST_F(RepairTest, RandomDamageNeverDoesHarm) {
     for (const char* name : {"echte/overflowV2000.mdb", "echte/common2V1997.mdb", "typen.mdb"}) {
         use(name);
         const std::string sound = image_;
-        for (int round = 0; round < (image_.size() > 1000000 ? 8 : 60); ++round) {
+        for (int round = 0; round < (image_.size() > 1000000 ? 4 : 25); ++round) {
             image_ = sound;
             for (std::size_t flips = 1 + random() % 40; flips > 0; --flips) {
                 const std::size_t within = random() % 2 != 0 ? random() % 200 : random() % pageSize_;

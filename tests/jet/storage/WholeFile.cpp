@@ -1,10 +1,12 @@
 #include "jet/storage/WholeFile.h"
 
+#include <array>
 #include <cstdio>
 
 #include "jet/storage/IndexCheck.h"
 #include "jet/storage/KeyEncoder.h"
 #include "jet/storage/Table.h"
+#include "jet/storage/TestFiles.h"
 
 namespace wendel::jet::test {
 namespace {
@@ -12,10 +14,14 @@ namespace {
 struct CellText {
     std::string operator()(std::monostate) const { return "Null"; }
     std::string operator()(std::int64_t v) const { return std::to_string(v); }
-    std::string operator()(double v) const { return std::to_string(v); }
-    std::string operator()(std::string_view v) const { return std::string(v); }
-    std::string operator()(KeyBytes v) const { return std::string(v.bytes); }
-    std::string operator()(KeyCurrency v) const { return std::to_string(v.tenThousandths); }
+    std::string operator()(double v) const {
+        std::array<char, 40> text{};
+        std::snprintf(text.data(), text.size(), "%.17g", v);
+        return text.data();
+    }
+    std::string operator()(std::string_view v) const { return "'" + std::string(v) + "'"; }
+    std::string operator()(KeyBytes v) const { return hex(v.bytes); }
+    std::string operator()(KeyCurrency v) const { return std::to_string(v.tenThousandths) + "e-4"; }
     std::string operator()(const Decimal& v) const { return v.toText(); }
     std::string operator()(const Guid& v) const { return guidText(v); }
 };
@@ -30,6 +36,8 @@ void forEachTable(const std::string& path, Action action) {
 
 }  // namespace
 
+std::string shown(const Cell& cell) { return std::visit(CellText(), cell); }
+
 std::map<std::string, Rows> allRows(const std::string& path, bool longValues) {
     std::map<std::string, Rows> tables;
     forEachTable(path, [&](File& file, const TableDef& table) {
@@ -43,7 +51,7 @@ std::map<std::string, Rows> allRows(const std::string& path, bool longValues) {
             values.assign(scan.row(), columns);
             std::string text;
             for (const std::size_t column : columns)
-                text += std::visit(CellText(), values.cells()[column]) + "|";
+                text += shown(values.cells()[column]) + "|";
             rows.insert(std::move(text));
         }
     });

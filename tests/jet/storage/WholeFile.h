@@ -6,10 +6,14 @@
 #include <string>
 
 #include "jet/storage/Catalog.h"
+#include "jet/storage/TableWriter.h"
 
 namespace wendel::jet::test {
 
 using Rows = std::multiset<std::string>;
+
+// A value as text: texts in quotes, bytes in hex digits, money in ten-thousandths.
+std::string shown(const Cell& cell);
 
 // The user tables by name, each row as its cells between bars; long values only where asked for.
 std::map<std::string, Rows> allRows(const std::string& path, bool longValues = true);

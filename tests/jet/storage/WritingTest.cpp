@@ -1,63 +1,45 @@
-// Rows written, changed and deleted in files of both versions, new and foreign ones. What was written is read
-// back by our reader and by mdb-export, and the whole file is checked after each step.
+// Rows written, changed and deleted in new files of both versions. What was written is read back by our
+// reader and by mdb-export, and the whole file is checked after each step. Foreign files: tests/jet/proof.
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <array>
-#include <cstdio>
-#include <cstdlib>
 #include <functional>
 #include <map>
 #include <memory>
 #include <random>
-#include <set>
+#include <sstream>
 #include <string>
 #include <vector>
 
 #include "jet/storage/Bytes.h"
 #include "jet/storage/Catalog.h"
+#include "jet/storage/DataPage.h"
 #include "jet/storage/FileCheck.h"
-#include "jet/storage/ReadEverything.h"
 #include "jet/storage/Schema.h"
 #include "jet/storage/Table.h"
 #include "jet/storage/TableWriter.h"
 #include "jet/storage/TestFiles.h"
 #include "jet/storage/UsageMap.h"
 #include "jet/storage/UsageMapRows.h"
+#include "jet/storage/WholeFile.h"
 #include "platform/Fehler.h"
 
 namespace wendel::jet {
 namespace {
 
-std::string shown(const Cell& cell) {
-    if (const auto* whole = std::get_if<std::int64_t>(&cell)) return std::to_string(*whole);
-    if (const auto* money = std::get_if<KeyCurrency>(&cell))
-        return std::to_string(money->tenThousandths) + "e-4";
-    if (const auto* text = std::get_if<std::string_view>(&cell)) return "'" + std::string(*text) + "'";
-    if (const auto* bytes = std::get_if<KeyBytes>(&cell)) return test::hex(bytes->bytes);
-    if (const auto* decimal = std::get_if<Decimal>(&cell)) return decimal->toText();
-    if (const auto* guid = std::get_if<Guid>(&cell)) return guidText(*guid);
-    std::array<char, 40> number{};
-    if (const auto* value = std::get_if<double>(&cell)) std::snprintf(number.data(), 40, "%.17g", *value);
-    return std::holds_alternative<double>(cell) ? number.data() : "Null";
-}
-
 using Row = std::vector<std::string>;
-
-Row shown(const RowView& row) {
-    Row cells;
-    for (std::size_t c = 0; c < row.table().columns.size(); ++c) {
-        std::string buffer;
-        cells.push_back(shown(test::keyValue(row, c, buffer)));
-    }
-    return cells;
-}
 
 std::map<RowId, Row> allRows(Database& database, const TableDef& table) {
     std::map<RowId, Row> rows;
-    for (TableScan scan(database.file(), table); scan.next();)
-        rows[scan.row().id()] = shown(scan.row());
+    RowValues values;
+    for (TableScan scan(database.file(), table); scan.next();) {
+        values.assign(scan.row());
+        Row& row = rows[scan.row().id()];
+        for (const Cell& cell : values.cells())
+            row.push_back(test::shown(cell));
+    }
     return rows;
 }
 
@@ -71,19 +53,8 @@ class Writable {
         File::Writing writing(database.file());
         createTable(database, "Tabelle", columns, indexes);
         writing.commit(Durability::kSoon);
-        open("Tabelle");
-    }
-    Writable(const std::string& foreign, const std::string& table) {
-        copy_.write(test::readFile(test::dataPath(foreign)));
-        for (const std::string& line : findings())
-            known_.insert(line);
-        open(table);
-    }
-
-    void open(const std::string& table) {
-        writer_.reset();
         database_ = std::make_unique<Database>(copy_.path(), Access::kReadWrite);
-        table_ = database_->table(table);
+        table_ = database_->table("Tabelle");
         writer_ = std::make_unique<TableWriter>(database_->file(), table_);
     }
 
@@ -110,21 +81,16 @@ class Writable {
 
     Database& database() { return *database_; }
     File& file() { return database_->file(); }
-    const TableDef& table() const { return *table_; }
     std::map<RowId, Row> rows() { return allRows(*database_, *table_); }
     const std::string& path() const { return copy_.path(); }
 
-    // What the check of the whole file finds that it had not found in the foreign file.
     std::vector<std::string> findings() const {
         Database fresh(copy_.path(), Access::kReadOnly);
-        std::vector<std::string> lines = checkFile(fresh);
-        std::erase_if(lines, [this](const std::string& line) { return known_.contains(line); });
-        return lines;
+        return checkFile(fresh);
     }
 
   private:
     test::TemporaryCopy copy_;
-    std::set<std::string> known_;
     std::unique_ptr<Database> database_;
     std::shared_ptr<const TableDef> table_;
     std::unique_ptr<TableWriter> writer_;
@@ -134,30 +100,20 @@ const std::vector<std::string> kSound;
 
 // Fields end with a unit separator, rows with a record separator.
 std::vector<std::string> mdbExport(const std::string& path, const std::string& table) {
-    const std::string command =
-        "mdb-export -H -Q -b hex -d '\x1f' -R '\x1e' -T '%Y-%m-%d %H:%M:%S' '" + path + "' '" + table + "'";
-    std::unique_ptr<FILE, int (*)(FILE*)> pipe(::popen(command.c_str(), "r"), ::pclose);
-    std::vector<std::string> rows(1);
-    for (int c; pipe && (c = std::fgetc(pipe.get())) != EOF;) {
-        if (c == '\x1e') {
-            rows.emplace_back();
-        } else {
-            rows.back() += static_cast<char>(c);
-        }
-    }
-    rows.pop_back();
+    std::istringstream all(test::outputOf(
+        "mdb-export -H -Q -b hex -d '\x1f' -R '\x1e' -T '%Y-%m-%d %H:%M:%S' '" + path + "' '" + table + "'"));
+    std::vector<std::string> rows;
+    for (std::string row; std::getline(all, row, '\x1e');)
+        rows.push_back(row);
     return rows;
 }
 
-bool haveMdbExport() { return std::system("mdb-export --version >/dev/null 2>&1") == 0; }
-
 constexpr auto kLarge = std::int64_t{1} << 40;
-constexpr Guid kGuid = {0x02, 0x2D, 0x1A, 0xFB, 0x7F, 0xB9, 0xD8, 0x61,
-                        0x2C, 0xFB, 0xFF, 0xA4, 0xFB, 0x84, 0xFB, 0x79};
 constexpr Decimal kDecimal = {true, {0, 0, 1, 5}, 3};  // -4294967.301
 constexpr int kTooLong = 3163, kOverflow = 3349, kWrongKind = 3421;
 
-// What a column makes of a value: what our reader and mdb-export show, or the error number.
+// What a column makes of a value that it cannot hold as it is: what our reader and mdb-export show, or the
+// error number. Values that fit: tests/jet/proof.
 struct ValueCase {
     const char* name;
     ColumnSpec column;
@@ -166,35 +122,22 @@ struct ValueCase {
     int error = 0;
 };
 const std::vector<ValueCase> kValueCases = {
-    {"no", {"c", ColumnType::kBoolean}, std::int64_t{0}, "0", "0"},
-    {"yes", {"c", ColumnType::kBoolean}, std::int64_t{-1}, "-1", "1"},
     {"Null is no", {"c", ColumnType::kBoolean}, {}, "0", "0"},
-    {"largest byte", {"c", ColumnType::kByte}, std::int64_t{255}, "255", "255"},
     {"byte too large", {"c", ColumnType::kByte}, std::int64_t{256}, "", "", kOverflow},
     {"byte below zero", {"c", ColumnType::kByte}, -0.6, "", "", kOverflow},
     {"half to even", {"c", ColumnType::kInteger}, 2.5, "2", "2"},
-    {"lowest integer", {"c", ColumnType::kInteger}, std::int64_t{-32768}, "-32768", "-32768"},
     {"integer too large", {"c", ColumnType::kInteger}, 32767.5, "", "", kOverflow},
-    {"lowest long", {"c", ColumnType::kLong}, std::int64_t{INT32_MIN}, "-2147483648", "-2147483648"},
     {"long too large", {"c", ColumnType::kLong}, std::int64_t{1} << 31, "", "", kOverflow},
     {"money into long", {"c", ColumnType::kLong}, KeyCurrency{15000}, "2", "2"},
     {"text into long", {"c", ColumnType::kLong}, "1", "", "", kWrongKind},
-    {"money", {"c", ColumnType::kCurrency}, KeyCurrency{-1}, "-1e-4", "-0.0001"},
     {"number into money", {"c", ColumnType::kCurrency}, 0.1, "1000e-4", "0.1000"},
     {"money too large", {"c", ColumnType::kCurrency}, 1e15, "", "", kOverflow},
-    {"single", {"c", ColumnType::kSingle}, 0.5, "0.5", "0.5"},
     {"single too large", {"c", ColumnType::kSingle}, 1e39, "", "", kOverflow},
-    {"double", {"c", ColumnType::kDouble}, -1.25e100, "-1.25e+100", "-1.25e+100"},
     {"infinite", {"c", ColumnType::kDouble}, 1e308 * 10, "", "", kOverflow},
-    {"date", {"c", ColumnType::kDate}, 41267.84375, "41267.84375", "2012-12-24 20:15:00"},
     {"date too late", {"c", ColumnType::kDate}, 2958466.0, "", "", kOverflow},
-    {"bytes", {"c", ColumnType::kBinary, 3}, KeyBytes{"\x01\xFFz"}, "01ff7a", "01FF7A"},
     {"too many bytes", {"c", ColumnType::kBinary, 3}, KeyBytes{"1234"}, "", "", kTooLong},
-    {"GUID", {"c", ColumnType::kGuid}, kGuid, "{022D1AFB-7FB9-D861-2CFB-FFA4FB84FB79}", ""},
     {"empty text", {"c", ColumnType::kText, 5}, "", "''", ""},
     {"two characters", {"c", ColumnType::kText, 5, false, true}, "\u00e4b", "'\u00e4b'", "\u00e4b"},
-    {"compressed", {"c", ColumnType::kText, 5, false, true}, "\u00e4bcde", "'\u00e4bcde'", "\u00e4bcde"},
-    {"not compressed", {"c", ColumnType::kText, 5}, "\u00e4bcde", "'\u00e4bcde'", "\u00e4bcde"},
     {"euro sign", {"c", ColumnType::kText, 5, false, true}, "12 \u20ac", "'12 \u20ac'", "12 \u20ac"},
     {"text too long", {"c", ColumnType::kText, 5}, "123456", "", "", kTooLong},
     {"number into text", {"c", ColumnType::kText, 5}, std::int64_t{1}, "", "", kWrongKind},
@@ -249,7 +192,6 @@ TEST_P(WritingTest, ValuesReadBackAsTheColumnHoldsThem) {
     }
     EXPECT_EQ(written.rows().size(), good.size());
     EXPECT_EQ(written.findings(), kSound);
-    if (!haveMdbExport()) GTEST_SKIP() << "mdb-export is not installed";
     ASSERT_TRUE(written.file().checkpoint());
     const std::vector<std::string> exported = mdbExport(written.path(), "Tabelle");
     ASSERT_EQ(exported.size(), good.size());
@@ -294,33 +236,6 @@ TEST_P(WritingTest, LongValuesOfEverySizeComeBackAndGoWithTheirRows) {
     EXPECT_EQ(written.findings(), kSound);
 }
 
-// Rows grow in their page, move out of it, move again, and come home; all the time they keep their identity.
-TEST_P(WritingTest, RowsKeepTheirIdentityWhereverTheyLie) {
-    Writable written(
-        GetParam(),
-        {{"Id", ColumnType::kLong, 0, true}, {"T", ColumnType::kText, 255}, {"U", ColumnType::kText, 255}},
-        {{"PrimaryKey", {{"Id", false}}, true, true}, {"T", {{"T", true}}}});
-    std::map<RowId, Row> expected;
-    for (int i = 1; i <= 60; ++i)
-        expected[written.insert({{}, "kurz", ""})] = {std::to_string(i), "'kurz'", "''"};
-    for (const std::size_t size : {100, 250, 20, 255, 0}) {
-        for (auto& [id, row] : expected) {
-            if (row[0].back() == '3') continue;
-            const std::string text(size, 'a');
-            EXPECT_EQ(written.update(id, 1 + size % 2, text), 0);
-            row[1 + size % 2] = "'" + text + "'";
-        }
-        EXPECT_EQ(written.rows(), expected) << size;
-        EXPECT_EQ(written.findings(), kSound) << size;
-    }
-    while (!expected.empty()) {
-        EXPECT_EQ(written.run([&](TableWriter& writer) { writer.remove(expected.begin()->first); }), 0);
-        expected.erase(expected.begin());
-    }
-    EXPECT_EQ(written.rows(), expected);
-    EXPECT_EQ(written.findings(), kSound);
-}
-
 // In Jet 3 each 256 bytes of a row need a jump; where they come depends on every length before them.
 TEST_P(WritingTest, LongRowsOfManyTextsReadBack) {
     std::vector<ColumnSpec> columns;
@@ -329,37 +244,32 @@ TEST_P(WritingTest, LongRowsOfManyTextsReadBack) {
     Writable written(GetParam(), columns);
     std::mt19937 random(20121224);
     std::map<RowId, Row> expected;
-    int refused = 0;
+    std::map<RowId, std::string> lines;
     for (int i = 0; i < 200; ++i) {
-        std::vector<std::string> texts;
-        std::vector<Cell> cells;
-        Row row;
-        for (std::size_t c = 0; c < columns.size(); ++c)
+        Row texts, row;
+        std::string line;
+        for (std::size_t c = 0; c < columns.size(); ++c) {
             texts.emplace_back(random() % 4 == 0 ? random() % 256 : random() % 30,
                                static_cast<char>('a' + c % 26));
-        for (const std::string& text : texts) {
-            cells.emplace_back(text);
-            row.push_back(shown(cells.back()));
+            row.push_back("'" + texts.back() + "'");
+            line += (c == 0 ? "" : "\x1f") + texts.back();
         }
         RowId id = 0;
+        const std::vector<Cell> cells(texts.begin(), texts.end());
         const int error = written.run([&](TableWriter& writer) { id = writer.insert(cells); });
-        if (error == 0) expected[id] = row;
-        refused += error == 3190 ? 1 : 0;
+        ASSERT_TRUE(error == 0 || error == 3047) << error;
+        if (error != 0) continue;
+        expected[id] = row;
+        lines[id] = line;
     }
-    EXPECT_EQ(expected.size() + static_cast<std::size_t>(refused), 200u);
     EXPECT_GT(expected.size(), 50u);
     EXPECT_EQ(written.rows(), expected);
     EXPECT_EQ(written.findings(), kSound);
-    if (!haveMdbExport()) GTEST_SKIP() << "mdb-export is not installed";
     ASSERT_TRUE(written.file().checkpoint());
-    std::vector<std::string> texts;
-    for (const auto& [id, row] : expected) {
-        texts.emplace_back();
-        for (const std::string& cell : row)
-            texts.back() +=
-                (texts.back().empty() && &cell == row.data() ? "" : "\x1f") + cell.substr(1, cell.size() - 2);
-    }
-    EXPECT_EQ(mdbExport(written.path(), "Tabelle"), texts);
+    std::vector<std::string> exported;
+    for (const auto& [id, line] : lines)
+        exported.push_back(line);
+    EXPECT_TRUE(mdbExport(written.path(), "Tabelle") == exported);
 }
 
 TEST_P(WritingTest, IndexesRefuseWhatTheyMustNotHold) {
@@ -394,24 +304,42 @@ TEST_P(WritingTest, IndexesRefuseWhatTheyMustNotHold) {
     EXPECT_EQ(reserved, 101);
     next = written.insert({{}, {}, one});
     EXPECT_EQ(written.rows()[next][0], "102");
+    // When the last number is taken, only given ones are left.
+    written.insert({std::int64_t{INT32_MAX}, {}, one});
+    EXPECT_EQ(insert({{}, {}, one}), 3349);
+    written.insert({std::int64_t{-1}, {}, one});
     EXPECT_EQ(written.findings(), kSound);
 }
 
 // More pages than the maps of a new table and of the file have bits for at first, and then all given back.
 TEST_P(WritingTest, PageMapsGrowWithTheFile) {
+    for (const bool mapPageIsFull : {false, true}) {
+        Writable written(GetParam(), {{"O", ColumnType::kOle}});
+        if (mapPageIsFull) {  // as behind some thirty thousand pages: the file's own map gets pages of bits
+            File::Writing writing(written.file());
+            const auto page = written.file().edit(kGlobalMapPage);
+            DataPageEditor editor(written.file(), *page);
+            editor.lengthen(1, editor.row(1).size() + editor.page().room());
+            writing.commit(Durability::kSoon);
+        }
+        const std::string bytes(GetParam() == Version::kJet4 ? 4072u * 900 : 2032u * 1200, 'x');
+        std::vector<RowId> ids;
+        for (int i = 0; i < 2; ++i)
+            ids.push_back(written.insert({KeyBytes{bytes}}));
+        EXPECT_EQ(written.findings(), kSound);
+        const std::uint32_t full = written.file().pageCount();
+        for (const RowId id : ids)
+            EXPECT_EQ(written.run([&](TableWriter& writer) { writer.remove(id); }), 0);
+        EXPECT_EQ(written.findings(), kSound);
+        written.insert({KeyBytes{bytes}});
+        EXPECT_EQ(written.file().pageCount(), full);
+        const PagePtr map = written.file().page(kGlobalMapPage);
+        EXPECT_EQ(DataPage(written.file(), *map).row(0)[0], mapPageIsFull ? kUsageReference : kUsageInline);
+    }
+}
+
+TEST_P(WritingTest, MapsWithoutRoomGetPagesOfBits) {
     Writable written(GetParam(), {{"O", ColumnType::kOle}});
-    const std::string bytes(GetParam() == Version::kJet4 ? 4072u * 900 : 2032u * 1200, 'x');
-    std::vector<RowId> ids;
-    for (int i = 0; i < 2; ++i)
-        ids.push_back(written.insert({KeyBytes{bytes}}));
-    EXPECT_EQ(written.findings(), kSound);
-    const std::uint32_t full = written.file().pageCount();
-    for (const RowId id : ids)
-        EXPECT_EQ(written.run([&](TableWriter& writer) { writer.remove(id); }), 0);
-    EXPECT_EQ(written.findings(), kSound);
-    written.insert({KeyBytes{bytes}});
-    EXPECT_EQ(written.file().pageCount(), full);
-    // A map of which there is no room for more bits gets pages of bits.
     File::Writing writing(written.file());
     PageAllocator allocator(written.file());
     UsageMapRows rows(written.file(), allocator);
@@ -449,67 +377,6 @@ TEST_P(WritingTest, DamagedReferencesReleaseNothing) {
         EXPECT_EQ(written.rows(), left) << wrong;
     }
 }
-
-struct ForeignCase {
-    const char* file;
-    const char* table;
-};
-void PrintTo(const ForeignCase& c, std::ostream* out) { *out << c.file << " " << c.table; }
-
-class ForeignWritingTest : public testing::TestWithParam<ForeignCase> {};
-
-// Every second row is rewritten, given a longer text, or deleted, and the deleted ones are put in again.
-TEST_P(ForeignWritingTest, RowsOfOtherWritersAreChangedInPlace) {
-    if (!test::haveData()) GTEST_SKIP() << "no example files at " << test::dataPath("");
-    Writable written(GetParam().file, GetParam().table);
-    std::map<RowId, Row> expected = written.rows();
-    ASSERT_FALSE(expected.empty());
-    std::vector<std::size_t> everyColumn, growing;
-    for (std::size_t c = 0; c < written.table().columns.size(); ++c) {
-        everyColumn.push_back(c);
-        const Column& column = written.table().columns[c];
-        if (column.isText() && (column.isLong() || column.length >= 80)) growing.push_back(c);
-    }
-    int turn = 0;
-    for (const auto& [id, row] : std::map(expected)) {
-        RowValues values;
-        {
-            RowView view;
-            ASSERT_TRUE(fetchRow(written.file(), written.table(), id, view));
-            values.assign(view);
-        }
-        const std::vector<Cell> cells(values.cells().begin(), values.cells().end());
-        RowId place = id;
-        std::string longer = "länger " + std::to_string(turn) + std::string(20, '.');
-        switch (turn++ % 6) {
-            case 1:
-                EXPECT_EQ(written.run([&](TableWriter& w) { w.update(id, everyColumn, cells); }), 0);
-                break;
-            case 3:
-                if (growing.empty()) break;
-                EXPECT_EQ(written.update(id, growing.back(), longer), 0);
-                expected[id][growing.back()] = shown(Cell(longer));
-                break;
-            case 5:
-                EXPECT_EQ(written.run([&](TableWriter& w) { w.remove(id); }), 0);
-                expected.erase(id);
-                EXPECT_EQ(written.run([&](TableWriter& w) { place = w.insert(cells); }), 0);
-                expected[place] = row;
-                break;
-            default: break;
-        }
-    }
-    EXPECT_EQ(written.rows(), expected);
-    EXPECT_EQ(written.findings(), kSound);
-}
-
-INSTANTIATE_TEST_SUITE_P(Tables, ForeignWritingTest,
-                         testing::Values(ForeignCase{"tvdaten-klein.mdb", "Sendungen"},
-                                         ForeignCase{"tvdaten-klein.mdb", "SendungenDetails"},
-                                         ForeignCase{"typen.mdb", "AlleTypen"},
-                                         ForeignCase{"typen.mdb", "Ueberlauf"},
-                                         ForeignCase{"typen.mdb", "Memos"},
-                                         ForeignCase{"typen.mdb", "SpalteNeu"}));
 
 }  // namespace
 }  // namespace wendel::jet
