@@ -12,6 +12,7 @@
 #include "jet/Connection.h"
 #include "jet/RowText.h"
 #include "jet/storage/Compact.h"
+#include "jet/storage/FileCheck.h"
 #include "jet/storage/Repair.h"
 #include "jet/storage/Schema.h"
 #include "platform/Fehler.h"
@@ -25,6 +26,7 @@ constexpr int kWrongUsage = 2;
 constexpr std::string_view kUsage =
     "Aufruf: jetsql DATEI [ANWEISUNG ...] [--sperren SEKUNDEN]\n"
     "        jetsql DATEI --anlegen [ANWEISUNG ...]\n"
+    "        jetsql DATEI --pruefen\n"
     "        jetsql DATEI --reparieren\n"
     "        jetsql DATEI --komprimieren ZIEL\n"
     "\n"
@@ -40,6 +42,9 @@ constexpr std::string_view kUsage =
     "endet\n"
     "                      nach so vielen Sekunden; andere Programme können so lange nur lesen\n"
     "--anlegen             legt DATEI zuerst neu an; mit --anlegen-jet3 in der älteren Fassung des Formats\n"
+    "--pruefen             nennt zeilenweise, was in der Datei nicht zusammenpasst; Rückgabewert 1, wenn "
+    "etwas\n"
+    "                      gefunden wurde (auch Harmloses, das andere Programme hinterlassen)\n"
     "--reparieren          baut DATEI aus dem neu auf, was von ihr lesbar ist\n"
     "--komprimieren ZIEL   kopiert DATEI ohne das Gelöschte in die neue Datei ZIEL\n"
     "\n"
@@ -95,6 +100,7 @@ struct Task {
     std::optional<wendel::jet::Version> create;
     std::optional<std::string> compactTo;
     int lockSeconds = -1;  // -1: no lock
+    bool check = false;
     bool repair = false;
 };
 
@@ -121,6 +127,8 @@ std::optional<Task> taskOf(const std::vector<std::string>& arguments) {
             task.create = wendel::jet::Version::kJet4;
         } else if (argument == "--anlegen-jet3") {
             task.create = wendel::jet::Version::kJet3;
+        } else if (argument == "--pruefen") {
+            task.check = true;
         } else if (argument == "--reparieren") {
             task.repair = true;
         } else if (argument == "--komprimieren" && hasValue) {
@@ -134,7 +142,8 @@ std::optional<Task> taskOf(const std::vector<std::string>& arguments) {
         }
     }
     const bool runs = task.create || task.lockSeconds >= 0 || !task.statements.empty();
-    const int tasks = (runs ? 1 : 0) + (task.repair ? 1 : 0) + (task.compactTo ? 1 : 0);
+    const int tasks =
+        (runs ? 1 : 0) + (task.check ? 1 : 0) + (task.repair ? 1 : 0) + (task.compactTo ? 1 : 0);
     return tasks > 1 ? std::nullopt : std::optional(task);
 }
 
@@ -157,7 +166,20 @@ void runStatements(const Task& task, wendel::Uhr& uhr) {
     }
 }
 
-void run(const Task& task, wendel::Uhr& uhr) {
+int check(const std::string& file) {
+    wendel::jet::Database database(file, wendel::jet::Access::kReadOnly);
+    const wendel::jet::File::Reading reading(database.file());
+    const std::vector<std::string> findings = wendel::jet::checkFile(database);
+    for (const std::string& finding : findings) {
+        std::cout << finding << "\n";
+    }
+    return findings.empty() ? kDone : kFailed;
+}
+
+int run(const Task& task, wendel::Uhr& uhr) {
+    if (task.check) {
+        return check(task.file);
+    }
     if (task.repair) {
         wendel::jet::repairDatabaseFile(task.file);
     } else if (task.compactTo) {
@@ -168,6 +190,7 @@ void run(const Task& task, wendel::Uhr& uhr) {
         }
         runStatements(task, uhr);
     }
+    return kDone;
 }
 
 }  // namespace
@@ -190,11 +213,10 @@ int main(int argc, char** argv) {
         return kWrongUsage;
     }
     try {
-        run(*task, *uhr);
+        return run(*task, *uhr);
     } catch (const wendel::Fehler& fehler) {
         std::fflush(stdout);
         std::cerr << "(" << fehler.nummer() << ") " << fehler.beschreibung() << "\n";
         return kFailed;
     }
-    return kDone;
 }

@@ -10,6 +10,7 @@
 #include "jet/Session.h"
 #include "jet/sql/Errors.h"
 #include "jet/sql/Parser.h"
+#include "jet/storage/Table.h"
 
 namespace wendel::jet {
 namespace {
@@ -177,9 +178,14 @@ std::optional<std::int32_t> Connection::insertRow(const TableDef& table, std::sp
     });
 }
 
-void Connection::updateRow(const TableDef& table, RowId row, std::span<const std::size_t> columns,
-                           std::span<const Cell> cells) {
+void Connection::updateRow(const TableDef& table, RowId row, const RowTest& asSeen,
+                           std::span<const std::size_t> columns, std::span<const Cell> cells) {
     withWriter(table, [&](TableWriter& writer) {
+        RowView now;
+        if (!fetchRow(file(), table, row, now) || !asSeen(RowValues(now).cells())) {
+            throw sql::sqlError(sql::kRecordChanged);
+        }
+        now = RowView();
         writer.update(row, columns, cells);
         return row;
     });
@@ -199,13 +205,16 @@ void Connection::checkpoint() {
     }
 }
 
-// A query that still runs keeps the old session, and its file.
+// A query that still runs keeps the old session, and its file. What others add while the new one is opened is
+// left to the next statement: beside somebody who writes all the time there would be no end.
 Query Connection::start(const sql::Select& select) {
     auto statement = std::make_unique<Query::Statement>(*session_);
-    for (int opened = 0; session_->outdated() && opened < kMostSessions; ++opened) {
+    bool stale = session_->outdated();
+    for (int opened = 0; stale && opened < kMostSessions; ++opened) {
         statement.reset();
         session_ = std::make_shared<Session>(path_);
         statement = std::make_unique<Query::Statement>(*session_);
+        stale = session_->file().overwritten();
     }
     try {
         const sql::Translation translation = sql::translate(select, *session_, uhr_.jetzt());

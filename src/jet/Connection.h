@@ -4,6 +4,7 @@
 // cell by cell, typed, without a copy per row.
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <span>
@@ -115,8 +116,11 @@ class Connection {
     // With reserveNext the number that the next row will have, reserved in the same breath.
     std::optional<std::int32_t> insertRow(const TableDef& table, std::span<const Cell> cells,
                                           bool reserveNext);
-    void updateRow(const TableDef& table, RowId row, std::span<const std::size_t> columns,
-                   std::span<const Cell> cells);
+    // asSeen is asked whether the row still holds what the caller has seen there; if not, Fehler 3197: the
+    // row's place may be another row's by now.
+    using RowTest = std::function<bool(std::span<const Cell> valuesOfAllColumns)>;
+    void updateRow(const TableDef& table, RowId row, const RowTest& asSeen,
+                   std::span<const std::size_t> columns, std::span<const Cell> cells);
 
     // Brings what was written into the file itself, where other programs see it, if nobody is reading it.
     void checkpoint();

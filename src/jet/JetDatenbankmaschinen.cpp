@@ -2,6 +2,7 @@
 
 #include <malloc.h>
 
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -10,6 +11,7 @@
 #include "jet/sql/Errors.h"
 #include "jet/storage/Compact.h"
 #include "jet/storage/Repair.h"
+#include "jet/storage/ReplacingLock.h"
 
 namespace wendel::jet {
 namespace {
@@ -81,8 +83,19 @@ class JetDatenbankmaschine : public Datenbankmaschine {
     }
 
     void repairDatabase(const std::string& pfad) override { repairDatabaseFile(nativerPfad_(pfad)); }
+    // The access layer puts the copy in the place of the file: nobody may be writing into that meanwhile.
     void compactDatabase(const std::string& quelle, const std::string& ziel) override {
-        compactDatabaseFile(nativerPfad_(quelle), nativerPfad_(ziel));
+        const std::string quelldatei = nativerPfad_(quelle);
+        std::optional<ReplacingLock> lock;
+        try {
+            lock.emplace(quelldatei);
+        } catch (const Fehler& fehler) {
+            if (fehler.nummer() != jetfehler::kNoAccess) {
+                throw;
+            }
+            // A file that cannot be written can still be copied.
+        }
+        compactDatabaseFile(quelldatei, nativerPfad_(ziel));
     }
 
   private:

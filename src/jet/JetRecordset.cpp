@@ -148,6 +148,18 @@ void JetRecordset::addNew() {
     record_ = Record::kAdding;
 }
 
+// What tells one record from another, by the columns that this recordset has.
+std::string JetRecordset::imageOf(std::span<const KeyValue> valuesOfAllColumns) const {
+    std::string image;
+    for (std::size_t field = 0; field < query_.columns().size(); ++field) {
+        const auto column = tableColumn(field);
+        if (column) {
+            appendKey(query_.table()->columns[*column], false, valuesOfAllColumns[*column], image);
+        }
+    }
+    return image;
+}
+
 void JetRecordset::edit() {
     const TableDef& table = requireTable();
     requireRow();
@@ -162,6 +174,7 @@ void JetRecordset::edit() {
         const KeyValue id = current(query_.columns().size());
         edited_ = std::get<std::int64_t>(id);
     }
+    seen_ = imageOf(cells_.cells());
     changed_.clear();
     record_ = Record::kEditing;
 }
@@ -196,7 +209,8 @@ void JetRecordset::update() {
         for (const std::size_t column : changed_) {
             values.push_back(cells_.cells()[column]);
         }
-        connection_->updateRow(table, edited_, changed_, values);
+        const auto asSeen = [this](std::span<const KeyValue> now) { return imageOf(now) == seen_; };
+        connection_->updateRow(table, edited_, asSeen, changed_, values);
         record_ = Record::kEdited;  // the fields show the new values from now on
     } else {
         throw sqlError(sql::kNoEdit);

@@ -4,6 +4,7 @@
 
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -49,6 +50,7 @@ class JetRecordset : public Recordset {
     bool step();
     std::optional<std::size_t> tableColumn(std::size_t field) const;
     KeyValue current(std::size_t field) const;
+    std::string imageOf(std::span<const KeyValue> valuesOfAllColumns) const;
 
     std::shared_ptr<Connection> connection_;  // empty when closed
     std::shared_ptr<OpenRecordsets> open_;
@@ -63,6 +65,7 @@ class JetRecordset : public Recordset {
     Record record_ = Record::kNone;
     CellBuffer cells_;
     RowId edited_ = 0;
+    std::string seen_;  // what the record to be changed held
     std::vector<std::size_t> changed_;
     std::optional<std::size_t> counter_;      // the counting column
     std::optional<std::int32_t> nextNumber_;  // reserved ahead while records come in a row

@@ -250,6 +250,10 @@ TEST_F(WritableFile, RecordsAreEditedWhereTheyStand) {
     EXPECT_EQ(fehlernummerVon([&] { rs->update(); }), 3020);
     rs->moveNext();
     EXPECT_EQ(rs->feld("Sendung"), Variant::text("Das große Wintergespräch: Folge 389"));
+    rs->edit();
+    rs->setzeFeld("Sendung", Variant::text("Zu spät"));
+    database_->execute("Update Markierungen Set Dauer='1' Where ID=3", 128);
+    EXPECT_EQ(fehlernummerVon([&] { rs->update(); }), 3197);
     EXPECT_EQ(single("Select Sum(ID) from Markierungen where Sendung='Neu'"), Variant::lang(2));
 }
 

@@ -40,6 +40,7 @@ def main():
         ("usage is German", usage.split("\n")[0], "Aufruf: jetsql DATEI [ANWEISUNG ...] [--sperren SEKUNDEN]"),
         ("unknown switch", run(program, "-x", small), (2, "", usage)),
         ("switch without a value", run(program, small, "--sperren"), (2, "", usage)),
+        ("a sound file", run(program, os.path.join(folder, "echte", "adox_jet4.mdb"), "--pruefen"), (0, "", "")),
         ("two tasks at once", run(program, small, "--reparieren", "Select 1"), (2, "", usage)),
         ("help", run(program, "--hilfe"), (0, usage, "")),
         ("header and rows", run(program, small, "Select Pos, SenderKennung as k from Sendungen where Pos<3 order by 1"),

@@ -49,6 +49,8 @@ std::string_view description(int number) {
         case kUpdateSyntax: return "Syntaxfehler in UPDATE-Anweisung.";
         case kFieldReadOnly: return "Das Feld '|' kann nicht aktualisiert werden.";
         case kUnknownTarget: return "Ausgabetabelle '|' konnte nicht gefunden werden.";
+        case kRecordChanged:
+            return "Ein anderer Benutzer hat den Datensatz inzwischen geändert oder gelöscht.";
         case kInvalidOperation: return "Unzulässige Operation.";
         case kUnknownField: return "Element in dieser Auflistung nicht gefunden.";
         case kConstraintSyntax: return "Syntaxfehler in CONSTRAINT-Klausel.";

@@ -37,6 +37,7 @@ inline constexpr int kTextAfterEnd = 3142;
 inline constexpr int kUpdateSyntax = 3144;
 inline constexpr int kFieldReadOnly = 3164;
 inline constexpr int kUnknownTarget = 3192;
+inline constexpr int kRecordChanged = 3197;
 inline constexpr int kInvalidOperation = 3219;
 inline constexpr int kUnknownField = 3265;
 inline constexpr int kConstraintSyntax = 3289;
