@@ -26,8 +26,9 @@ CatalogColumns catalogColumns(const File& file, const TableDef& objects) {
 }  // namespace
 
 Database::Database(const std::string& path, Access access, std::size_t cacheBytes)
-    : file_(path, access, cacheBytes) {
+    : file_(path, access, cacheBytes, File::Opening::kHeld) {
     readCatalog();
+    file_.endOpening();
 }
 
 void Database::readCatalog() {

@@ -51,10 +51,10 @@ bool statPath(const std::string& path, struct stat& info) { return ::stat(path.c
 
 // --- Opening and closing -----------------------------------------------------------------------------------
 
-File::File(const std::string& path, Access access, std::size_t cacheBytes)
+File::File(const std::string& path, Access access, std::size_t cacheBytes, Opening opening)
     : path_(path), cacheBytes_(cacheBytes) {
     try {
-        openAndCheck(access);
+        openAndCheck(access, opening);
     } catch (...) {
         if (fd_ >= 0) ::close(fd_);
         throw;
@@ -66,13 +66,14 @@ File::~File() {
     ::close(fd_);
 }
 
-void File::openAndCheck(Access access) {
+void File::openAndCheck(Access access, Opening opening) {
     openDescriptor(access);
     const Reading reading(*this);
     adoptJournal();
     readHeader();
     writable_ = descriptorWritable_ && !encoded() && sortOrder_ == kGeneral;
     if (writable_) lockFile_.enter(resolvedPath(path_), rights_);
+    if (opening == Opening::kHeld) ++readings_;
 }
 
 // Another file may take the name between opening and locking; then the lock would guard nothing.
@@ -188,9 +189,13 @@ File::Reading::Reading(File& file) : file_(file) {
     ++file_.readings_;
 }
 
-File::Reading::~Reading() {
-    if (--file_.readings_ == 0) file_.locks_.release(LockPlace::kReaders);
+File::Reading::~Reading() { file_.endReading(); }
+
+void File::endReading() {
+    if (--readings_ == 0) locks_.release(LockPlace::kReaders);
 }
+
+void File::endOpening() { endReading(); }
 
 bool File::changed() const {
     if (statement_) return stampUncertain_ || statement_->overtaken;
@@ -205,7 +210,9 @@ bool File::overtaken() const {
 
 bool File::overwritten() const {
     struct stat info {};
-    return !statPath(path_, info) || stampOf(info) != stamp_ || journal_->replaced();
+    // Without a journal only times tell, which stand still for a moment.
+    const bool uncertain = stampUncertain_ && journal_->pageSize() == 0;
+    return uncertain || !statPath(path_, info) || stampOf(info) != stamp_ || journal_->replaced();
 }
 
 bool File::journalEmpty() const { return journal_->empty(); }

@@ -91,7 +91,12 @@ class File {
     // is cut off, 3050 when it stays locked for a second. What a killed process left in the journal is
     // brought into the file when nobody else has it open; else, or where that is not possible, it is read
     // from there.
-    File(const std::string& path, Access access, std::size_t cacheBytes = kDefaultCacheBytes);
+    // With kHeld all that is read before endOpening() belongs to the state in which the file was opened, as
+    // within a Reading.
+    enum class Opening { kDone, kHeld };
+    File(const std::string& path, Access access, std::size_t cacheBytes = kDefaultCacheBytes,
+         Opening opening = Opening::kDone);
+    void endOpening();
     ~File();
     File(const File&) = delete;
     File& operator=(const File&) = delete;
@@ -192,7 +197,7 @@ class File {
         std::unordered_map<std::uint32_t, Changed> pages;
     };
 
-    void openAndCheck(Access access);
+    void openAndCheck(Access access, Opening opening);
     void openDescriptor(Access access);
     void adoptJournal();
     void readHeader();
@@ -203,6 +208,7 @@ class File {
     bool inPlace() const;
     bool overtaken() const;
     bool alone();
+    void endReading();
     void leave();
     bool bringJournalIn();
 

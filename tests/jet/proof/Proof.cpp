@@ -25,8 +25,8 @@ bool haveMdbtools() { return std::system("mdb-export --version >/dev/null 2>&1")
 std::vector<std::vector<std::string>> exported(const std::string& path, const std::string& table) {
     // No text has these.
     const std::string behindCell = "<~|", behindRow = "<~~\n";
-    const std::string command = "mdb-export -H -Q -b hex -d '" + behindCell + "' -R '" + behindRow +
-                                "' -T '%Y-%m-%d %H:%M:%S' '" + path + "' '" + table + "'";
+    const std::string command = "LC_ALL=C.UTF-8 mdb-export -H -Q -b hex -d '" + behindCell + "' -R '" +
+                                behindRow + "' -T '%Y-%m-%d %H:%M:%S' '" + path + "' '" + table + "'";
     const std::unique_ptr<std::FILE, int (*)(std::FILE*)> pipe(::popen(command.c_str(), "r"), ::pclose);
     if (!pipe) throw std::runtime_error(command);
     std::vector<std::vector<std::string>> rows;

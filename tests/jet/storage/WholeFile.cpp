@@ -79,7 +79,8 @@ std::set<std::string> checkedIndexes(const std::string& path) {
 
 std::string outputOf(const std::string& command) {
     std::string output;
-    FILE* pipe = ::popen((command + " 2>/dev/null").c_str(), "r");
+    // mdbtools take names and print texts in the characters of the locale.
+    FILE* pipe = ::popen(("export LC_ALL=C.UTF-8; " + command + " 2>/dev/null").c_str(), "r");
     if (pipe == nullptr) return output;
     char buffer[4096];
     for (std::size_t n; (n = std::fread(buffer, 1, sizeof buffer, pipe)) > 0;)
