@@ -39,8 +39,8 @@ class Recordset {
     virtual void close() = 0;
 };
 
-// The type and options of OpenRecordset. Rows can be added and changed where the type is a dynaset or left out;
-// with kAppendOnly no row is read.
+// The type and options of OpenRecordset. Rows can be added and changed where the type is a dynaset or left
+// out; with kAppendOnly no row is read.
 inline constexpr int kDynaset = 2;
 inline constexpr int kSnapshot = 4;
 inline constexpr int kAppendOnly = 8;
