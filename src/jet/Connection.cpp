@@ -140,7 +140,13 @@ std::unique_ptr<Connection::WriteLock> Connection::lockForWriting() {
             session_ = std::make_shared<Session>(path_);
         }
         auto lock = std::make_unique<WriteLock>(session_);
-        if (!session_->outdated() || opened == kMostSessions) {
+        if (!session_->outdated()) {
+            return lock;
+        }
+        if (opened == kMostSessions) {
+            if (session_->file().overwritten()) {
+                throw sql::sqlError(sql::kLocked);  // its pages could not even be read
+            }
             return lock;  // the file itself refuses to write over what it has not seen
         }
     }
