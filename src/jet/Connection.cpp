@@ -211,16 +211,13 @@ void Connection::checkpoint() {
     }
 }
 
-// A query that still runs keeps the old session, and its file. What others add while the new one is opened is
-// left to the next statement: beside somebody who writes all the time there would be no end.
+// A query that still runs keeps the old session, and its file.
 Query Connection::start(const sql::Select& select) {
     auto statement = std::make_unique<Query::Statement>(*session_);
-    bool stale = session_->outdated();
-    for (int opened = 0; stale && opened < kMostSessions; ++opened) {
+    for (int opened = 0; session_->outdated() && opened < kMostSessions; ++opened) {
         statement.reset();
         session_ = std::make_shared<Session>(path_);
         statement = std::make_unique<Query::Statement>(*session_);
-        stale = session_->file().overwritten();
     }
     try {
         const sql::Translation translation = sql::translate(select, *session_, uhr_.jetzt());

@@ -210,9 +210,7 @@ bool File::overtaken() const {
 
 bool File::overwritten() const {
     struct stat info {};
-    // Without a journal only times tell, which stand still for a moment.
-    const bool uncertain = stampUncertain_ && journal_->pageSize() == 0;
-    return uncertain || !statPath(path_, info) || stampOf(info) != stamp_ || journal_->replaced();
+    return !statPath(path_, info) || stampOf(info) != stamp_ || journal_->replaced();
 }
 
 bool File::journalEmpty() const { return journal_->empty(); }
