@@ -26,6 +26,19 @@ bool sameColumns(const TableDef& a, const TableDef& b) {
            std::equal(a.columns.begin(), a.columns.end(), b.columns.begin(), b.columns.end(), same);
 }
 
+// Pages that do not fit together may be those of a file that others exchange at this moment: damage is what
+// stays.
+std::shared_ptr<Session> openSession(const std::string& path) {
+    try {
+        return std::make_shared<Session>(path);
+    } catch (const Fehler& failure) {
+        if (failure.nummer() != jetfehler::kDamaged) {
+            throw;
+        }
+    }
+    return std::make_shared<Session>(path);
+}
+
 }  // namespace
 
 // --- queries ---
@@ -137,7 +150,7 @@ class Connection::WriteLock {
 std::unique_ptr<Connection::WriteLock> Connection::lockForWriting() {
     for (int opened = 0;; ++opened) {
         if (session_->isRead() || opened > 0) {
-            session_ = std::make_shared<Session>(path_);
+            session_ = openSession(path_);
         }
         auto lock = std::make_unique<WriteLock>(session_);
         if (!session_->outdated()) {
@@ -154,22 +167,30 @@ std::unique_ptr<Connection::WriteLock> Connection::lockForWriting() {
 
 std::int64_t Connection::change(const sql::Statement& statement) {
     const auto lock = lockForWriting();
-    const std::int64_t changed = runChange(lock->session(), statement, uhr_.jetzt());
-    lock->commit(Durability::kNow);
-    return changed;
+    try {
+        const std::int64_t changed = runChange(lock->session(), statement, uhr_.jetzt());
+        lock->commit(Durability::kNow);
+        return changed;
+    } catch (const Fehler& failure) {
+        throw session_->seenWhole(failure);
+    }
 }
 
 template <class Work>
 auto Connection::withWriter(const TableDef& table, const Work& work) {
     const auto lock = lockForWriting();
-    const auto current = lock->session().database().table(table.name);
-    if (!current || !sameColumns(*current, table)) {
-        throw sql::sqlError(sql::kInvalidOperation);
+    try {
+        const auto current = lock->session().database().table(table.name);
+        if (!current || !sameColumns(*current, table)) {
+            throw sql::sqlError(sql::kInvalidOperation);
+        }
+        TableWriter& writer = lock->session().writer(current);
+        const auto result = work(writer);
+        lock->commit(Durability::kSoon);
+        return result;
+    } catch (const Fehler& failure) {
+        throw session_->seenWhole(failure);
     }
-    TableWriter& writer = lock->session().writer(current);
-    const auto result = work(writer);
-    lock->commit(Durability::kSoon);
-    return result;
 }
 
 std::int32_t Connection::reserveAutonumber(const TableDef& table) {
@@ -200,7 +221,7 @@ void Connection::updateRow(const TableDef& table, RowId row, const RowTest& asSe
 // --- the connection ---
 
 Connection::Connection(const std::string& nativePath, Uhr& uhr)
-    : uhr_(uhr), path_(nativePath), session_(std::make_shared<Session>(nativePath)) {}
+    : uhr_(uhr), path_(nativePath), session_(openSession(nativePath)) {}
 Connection::~Connection() { checkpoint(); }
 
 File& Connection::file() { return session_->file(); }
@@ -216,7 +237,7 @@ Query Connection::start(const sql::Select& select) {
     auto statement = std::make_unique<Query::Statement>(*session_);
     for (int opened = 0; session_->outdated() && opened < kMostSessions; ++opened) {
         statement.reset();
-        session_ = std::make_shared<Session>(path_);
+        session_ = openSession(path_);
         statement = std::make_unique<Query::Statement>(*session_);
     }
     try {
