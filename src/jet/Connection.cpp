@@ -240,6 +240,9 @@ Query Connection::start(const sql::Select& select) {
         session_ = openSession(path_);
         statement = std::make_unique<Query::Statement>(*session_);
     }
+    if (session_->file().overwritten()) {
+        throw sql::sqlError(sql::kLocked);  // what it shows could be of two states
+    }
     try {
         const sql::Translation translation = sql::translate(select, *session_, uhr_.jetzt());
         statement->prepared = session_->prepare(translation.sql);
