@@ -167,8 +167,10 @@ void runStatements(const Task& task, wendel::Uhr& uhr) {
 }
 
 int check(const std::string& file) {
-    wendel::jet::Database database(file, wendel::jet::Access::kReadOnly);
-    const wendel::jet::File::Reading reading(database.file());
+    using wendel::jet::File;
+    wendel::jet::Database database(file, wendel::jet::Access::kReadOnly, File::kDefaultCacheBytes,
+                                   File::Opening::kReading);
+    const File::Reading reading(database.file());
     const std::vector<std::string> findings = wendel::jet::checkFile(database);
     for (const std::string& finding : findings) {
         std::cout << finding << "\n";

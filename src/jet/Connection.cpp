@@ -15,28 +15,12 @@
 namespace wendel::jet {
 namespace {
 
-// How often a session is opened anew because the file has changed again meanwhile.
-constexpr int kMostSessions = 10;
-
 bool sameColumns(const TableDef& a, const TableDef& b) {
     const auto same = [](const Column& x, const Column& y) {
         return x.name == y.name && x.type == y.type && x.number == y.number;
     };
     return a.page == b.page &&
            std::equal(a.columns.begin(), a.columns.end(), b.columns.begin(), b.columns.end(), same);
-}
-
-// Pages that do not fit together may be those of a file that others exchange at this moment: damage is what
-// stays.
-std::shared_ptr<Session> openSession(const std::string& path) {
-    try {
-        return std::make_shared<Session>(path);
-    } catch (const Fehler& failure) {
-        if (failure.nummer() != jetfehler::kDamaged) {
-            throw;
-        }
-    }
-    return std::make_shared<Session>(path);
 }
 
 }  // namespace
@@ -145,52 +129,37 @@ class Connection::WriteLock {
     bool committed_ = false;
 };
 
-// Queries that run keep their session: what they read must not change under them. A file that was written a
-// moment ago by somebody else counts as changed for that moment even when it is opened anew.
+// Queries that run keep their session: what they read must not change under them. A new one is opened under
+// the lock that its first statement takes over, so there is nothing that it has not seen.
 std::unique_ptr<Connection::WriteLock> Connection::lockForWriting() {
-    for (int opened = 0;; ++opened) {
-        if (session_->isRead() || opened > 0) {
-            session_ = openSession(path_);
-        }
+    if (!session_->isRead()) {
         auto lock = std::make_unique<WriteLock>(session_);
         if (!session_->outdated()) {
             return lock;
         }
-        if (opened == kMostSessions) {
-            if (session_->file().overwritten()) {
-                throw sql::sqlError(sql::kLocked);  // its pages could not even be read
-            }
-            return lock;  // the file itself refuses to write over what it has not seen
-        }
     }
+    session_ = std::make_shared<Session>(path_, File::Opening::kWriting);
+    return std::make_unique<WriteLock>(session_);
 }
 
 std::int64_t Connection::change(const sql::Statement& statement) {
     const auto lock = lockForWriting();
-    try {
-        const std::int64_t changed = runChange(lock->session(), statement, uhr_.jetzt());
-        lock->commit(Durability::kNow);
-        return changed;
-    } catch (const Fehler& failure) {
-        throw session_->seenWhole(failure);
-    }
+    const std::int64_t changed = runChange(lock->session(), statement, uhr_.jetzt());
+    lock->commit(Durability::kNow);
+    return changed;
 }
 
 template <class Work>
 auto Connection::withWriter(const TableDef& table, const Work& work) {
     const auto lock = lockForWriting();
-    try {
-        const auto current = lock->session().database().table(table.name);
-        if (!current || !sameColumns(*current, table)) {
-            throw sql::sqlError(sql::kInvalidOperation);
-        }
-        TableWriter& writer = lock->session().writer(current);
-        const auto result = work(writer);
-        lock->commit(Durability::kSoon);
-        return result;
-    } catch (const Fehler& failure) {
-        throw session_->seenWhole(failure);
+    const auto current = lock->session().database().table(table.name);
+    if (!current || !sameColumns(*current, table)) {
+        throw sql::sqlError(sql::kInvalidOperation);
     }
+    TableWriter& writer = lock->session().writer(current);
+    const auto result = work(writer);
+    lock->commit(Durability::kSoon);
+    return result;
 }
 
 std::int32_t Connection::reserveAutonumber(const TableDef& table) {
@@ -221,7 +190,7 @@ void Connection::updateRow(const TableDef& table, RowId row, const RowTest& asSe
 // --- the connection ---
 
 Connection::Connection(const std::string& nativePath, Uhr& uhr)
-    : uhr_(uhr), path_(nativePath), session_(openSession(nativePath)) {}
+    : uhr_(uhr), path_(nativePath), session_(std::make_shared<Session>(nativePath)) {}
 Connection::~Connection() { checkpoint(); }
 
 File& Connection::file() { return session_->file(); }
@@ -235,13 +204,10 @@ void Connection::checkpoint() {
 // A query that still runs keeps the old session, and its file.
 Query Connection::start(const sql::Select& select) {
     auto statement = std::make_unique<Query::Statement>(*session_);
-    for (int opened = 0; session_->outdated() && opened < kMostSessions; ++opened) {
+    if (session_->outdated()) {
         statement.reset();
-        session_ = openSession(path_);
+        session_ = std::make_shared<Session>(path_, File::Opening::kReading);
         statement = std::make_unique<Query::Statement>(*session_);
-    }
-    if (session_->file().overwritten()) {
-        throw sql::sqlError(sql::kLocked);  // what it shows could be of two states
     }
     try {
         const sql::Translation translation = sql::translate(select, *session_, uhr_.jetzt());

@@ -29,8 +29,8 @@ int compareTexts(void* order, int aLength, const void* a, int bLength, const voi
 
 void StatementCloser::operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
 
-Session::Session(const std::string& path)
-    : database_(path, Access::kReadWrite, kPageCacheBytes),
+Session::Session(const std::string& path, File::Opening opening)
+    : database_(path, Access::kReadWrite, kPageCacheBytes, opening),
       order_(database_.file().version() == Version::kJet3 ? TextOrder::kGeneralJet3
                                                           : TextOrder::kGeneralJet4),
       module_{database_.file(), failures_} {

@@ -27,7 +27,7 @@ using PreparedStatement = std::unique_ptr<sqlite3_stmt, StatementCloser>;
 class Session : public sql::Schema {
   public:
     // Throws as Database does.
-    explicit Session(const std::string& path);
+    explicit Session(const std::string& path, File::Opening opening = File::Opening::kDone);
     ~Session() override;
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
@@ -69,8 +69,8 @@ class Session : public sql::Schema {
     // Belongs behind each Writing that was not committed.
     void forgetWriters();
 
-    // Pages that do not fit together while somebody else writes them are no damage, but a conflict that has
-    // gone at the next try.
+    // Pages that do not fit together while a program writes them that knows nothing of our locks are no
+    // damage, but a conflict that has gone at the next try.
     Fehler seenWhole(const Fehler& failure) const;
 
   private:

@@ -1,5 +1,6 @@
 #include "jet/storage/Catalog.h"
 
+#include <optional>
 #include <utility>
 
 #include "jet/storage/Table.h"
@@ -25,10 +26,11 @@ CatalogColumns catalogColumns(const File& file, const TableDef& objects) {
 
 }  // namespace
 
-Database::Database(const std::string& path, Access access, std::size_t cacheBytes)
-    : file_(path, access, cacheBytes, File::Opening::kHeld) {
+Database::Database(const std::string& path, Access access, std::size_t cacheBytes, File::Opening opening)
+    : file_(path, access, cacheBytes, opening == File::Opening::kDone ? File::Opening::kReading : opening) {
+    std::optional<File::Reading> reading;
+    if (opening == File::Opening::kDone) reading.emplace(file_);
     readCatalog();
-    file_.endOpening();
 }
 
 void Database::readCatalog() {

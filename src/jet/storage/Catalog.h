@@ -39,7 +39,8 @@ struct CatalogEntry {
 class Database {
   public:
     // Throws as File does, and Fehler 3049 when the catalog is damaged.
-    Database(const std::string& path, Access access, std::size_t cacheBytes = File::kDefaultCacheBytes);
+    Database(const std::string& path, Access access, std::size_t cacheBytes = File::kDefaultCacheBytes,
+             File::Opening opening = File::Opening::kDone);
 
     File& file() { return file_; }
     const File& file() const { return file_; }

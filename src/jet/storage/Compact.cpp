@@ -1,7 +1,6 @@
 #include "jet/storage/Compact.h"
 
 #include <algorithm>
-#include <memory>
 
 #include "jet/storage/Catalog.h"
 #include "jet/storage/CatalogWriter.h"
@@ -14,8 +13,6 @@ namespace wendel::jet {
 namespace {
 
 constexpr std::size_t kCacheBytes = 8 << 20;
-// A file written a moment ago can look changed for some time although it is not.
-constexpr int kMaxReopenings = 5;
 
 RebuildTable wholeTable(File& file, std::shared_ptr<const TableDef> definition) {
     RebuildTable table{std::move(definition), {}};
@@ -62,17 +59,11 @@ RebuildSource everythingIn(Database& database) {
 
 void compactDatabaseFile(const std::string& sourcePath, const std::string& destination) {
     refuseExisting(destination);
-    auto database = std::make_unique<Database>(sourcePath, Access::kReadOnly, kCacheBytes);
-    auto reading = std::make_unique<File::Reading>(database->file());
-    // Whoever wrote between the two steps is done now.
-    for (int again = 0; again < kMaxReopenings && database->file().changed(); ++again) {
-        reading.reset();
-        database = std::make_unique<Database>(sourcePath, Access::kReadOnly, kCacheBytes);
-        reading = std::make_unique<File::Reading>(database->file());
-    }
-    File& file = database->file();
+    Database database(sourcePath, Access::kReadOnly, kCacheBytes, File::Opening::kReading);
+    File& file = database.file();
+    const File::Reading reading(file);
     if (file.encoded()) throwWriteError(jetfehler::kReadOnly);
-    const RebuildSource source = everythingIn(*database);
+    const RebuildSource source = everythingIn(database);
 
     NewFile fresh(destination);
     writeEmptyDatabase(fresh.path(), *file.page(0));

@@ -67,23 +67,35 @@ File::~File() {
 }
 
 void File::openAndCheck(Access access, Opening opening) {
-    openDescriptor(access);
-    const Reading reading(*this);
+    openDescriptor(access, opening);
+    kept_ = opening;
+    if (opening == Opening::kWriting)
+        statement_ = std::make_unique<Statement>();
+    else
+        readings_ = 1;
     adoptJournal();
     readHeader();
     writable_ = descriptorWritable_ && !encoded() && sortOrder_ == kGeneral;
     if (writable_) lockFile_.enter(resolvedPath(path_), rights_);
-    if (opening == Opening::kHeld) ++readings_;
+    if (opening == Opening::kDone) endReading();
+    if (opening != Opening::kWriting) return;
+    requireWritable(writable_);
+    statement_->pageCountBefore = pageCount_;
+    locks_.tryExclusive(LockPlace::kWriter, lockFile_.slot());  // tells others who it is
 }
 
 // Another file may take the name between opening and locking; then the lock would guard nothing.
-void File::openDescriptor(Access access) {
+void File::openDescriptor(Access access, Opening opening) {
     for (int replacements = 0;; ++replacements) {
         const OpenedFile opened = openFile(path_, access == Access::kReadWrite);
         fd_ = opened.fd;
         descriptorWritable_ = opened.writable;
         locks_ = FileLocks(fd_);
         if (locks_.waitShared(LockPlace::kUsers) == Result::kBusy) throwCannotLock(path_);
+        if (opening == Opening::kWriting)
+            lockWriter();
+        else
+            lockReaders();
         rememberStamp();
         struct stat info {};
         if (!statPath(path_, info) || sameFile(info, stamp_)) return;
@@ -105,14 +117,10 @@ void File::adoptJournal() {
     journal_ = std::make_unique<Journal>(resolvedPath(path_));
     journal_->open();
     rememberStamp();
-    if (!journal_->fits(fd_, stamp_)) {
+    if (!journal_->fits(fd_, stamp_))
         journal_->disregard();
-        if (!descriptorWritable_ || locks_.tryExclusive(LockPlace::kWriter) != Result::kGot) return;
-        journal_->setAside();
-        locks_.release(LockPlace::kWriter);
-    } else if (!journal_->empty() && alone()) {
+    else if (!journal_->empty() && alone())
         checkpoint();
-    }
 }
 
 // For the moment: nobody else has the file open.
@@ -183,9 +191,16 @@ bool File::inPlace() const {
 
 // --- Locks and change --------------------------------------------------------------------------------------
 
+void File::lockReaders() {
+    if (locks_.waitShared(LockPlace::kReaders) == Result::kBusy) throwCannotLock(path_);
+}
+
 File::Reading::Reading(File& file) : file_(file) {
-    if (file_.readings_ == 0 && file_.locks_.waitShared(LockPlace::kReaders) == Result::kBusy)
-        throwCannotLock(file_.path_);
+    if (file_.kept_ == Opening::kReading) {
+        file_.kept_ = Opening::kDone;
+        return;
+    }
+    if (file_.readings_ == 0) file_.lockReaders();
     ++file_.readings_;
 }
 
@@ -194,8 +209,6 @@ File::Reading::~Reading() { file_.endReading(); }
 void File::endReading() {
     if (--readings_ == 0) locks_.release(LockPlace::kReaders);
 }
-
-void File::endOpening() { endReading(); }
 
 bool File::changed() const {
     if (statement_) return stampUncertain_ || statement_->overtaken;
@@ -206,11 +219,6 @@ bool File::changed() const {
 bool File::overtaken() const {
     struct stat info {};
     return !statPath(path_, info) || stampOf(info) != stamp_ || journal_->movedOn();
-}
-
-bool File::overwritten() const {
-    struct stat info {};
-    return !statPath(path_, info) || stampOf(info) != stamp_ || journal_->replaced();
 }
 
 bool File::journalEmpty() const { return journal_->empty(); }
@@ -254,7 +262,7 @@ bool File::bringJournalIn() {
 }
 
 void File::throwLocked() const {
-    const LockFile::User user = lockFile_.user(locks_.holderOfWriter());
+    const LockFile::User user = LockFile::user(resolvedPath(path_), locks_.holderOfWriter());
     const std::string by =
         user.computer.empty()
             ? "die Datenbank ist momentan durch einen anderen Benutzer gesperrt."
@@ -264,17 +272,29 @@ void File::throwLocked() const {
 
 // --- Statements --------------------------------------------------------------------------------------------
 
-File::Writing::Writing(File& file) : file_(file) {
-    if (!file_.writable_) {
-        throw Fehler(jetfehler::kReadOnly, kSource,
-                     "Aktualisieren nicht möglich. Datenbank oder Objekt ist schreibgeschützt.");
-    }
-    if (file_.statement_) throw std::logic_error("two statements at once");
-    switch (file_.locks_.waitExclusive(LockPlace::kWriter, file_.lockFile_.slot())) {
-        case Result::kBusy: file_.throwLocked();
-        case Result::kImpossible: throwCannotLock(file_.path_);
+void File::requireWritable(bool writable) const {
+    if (writable) return;
+    throw Fehler(jetfehler::kReadOnly, kSource,
+                 "Aktualisieren nicht möglich. Datenbank oder Objekt ist schreibgeschützt.");
+}
+
+void File::lockWriter() {
+    requireWritable(descriptorWritable_);
+    switch (locks_.waitExclusive(LockPlace::kWriter, lockFile_.slot())) {
+        case Result::kBusy: throwLocked();
+        case Result::kImpossible: throwCannotLock(path_);
         case Result::kGot: break;
     }
+}
+
+File::Writing::Writing(File& file) : file_(file) {
+    if (file_.kept_ == Opening::kWriting) {
+        file_.kept_ = Opening::kDone;
+        return;
+    }
+    file_.requireWritable(file_.writable_);
+    if (file_.statement_) throw std::logic_error("two statements at once");
+    file_.lockWriter();
     auto statement = std::make_unique<Statement>();
     statement->pageCountBefore = file_.pageCount_;
     statement->overtaken = file_.overtaken();

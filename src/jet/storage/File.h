@@ -91,12 +91,12 @@ class File {
     // is cut off, 3050 when it stays locked for a second. What a killed process left in the journal is
     // brought into the file when nobody else has it open; else, or where that is not possible, it is read
     // from there.
-    // With kHeld all that is read before endOpening() belongs to the state in which the file was opened, as
-    // within a Reading.
-    enum class Opening { kDone, kHeld };
+    // A file is read under a lock from the first byte on. With kReading and kWriting it is kept for the first
+    // Reading or Writing, which takes it over: what both read is one state of the file, and the newest.
+    // kWriting throws as Writing does.
+    enum class Opening { kDone, kReading, kWriting };
     File(const std::string& path, Access access, std::size_t cacheBytes = kDefaultCacheBytes,
          Opening opening = Opening::kDone);
-    void endOpening();
     ~File();
     File(const File&) = delete;
     File& operator=(const File&) = delete;
@@ -113,8 +113,8 @@ class File {
     SortOrder sortOrder() const { return sortOrder_; }
 
     // While one lives, the pages read belong to one state of the file: nobody brings the journal into it.
-    // Several may nest. Ask changed() behind the first. Without one, pages can be read as well, but another
-    // process may exchange them meanwhile.
+    // Several may nest. Ask changed() behind the first, unless it has taken over the lock of the opening.
+    // Without one, pages can be read as well, but another process may exchange them meanwhile.
     class Reading {
       public:
         // Waits up to a second for a checkpoint of another process; then throws Fehler 3050.
@@ -131,8 +131,8 @@ class File {
     class Writing {
       public:
         // Waits up to a second for another process that writes; then throws Fehler 3260 naming it. 3027 when
-        // the file cannot be written, 3050 where files cannot be locked. Ask changed() behind it: a changed
-        // file refuses the first change with 3260.
+        // the file cannot be written, 3050 where files cannot be locked. Ask changed() behind it, as with
+        // Reading: a changed file refuses the first change with 3260.
         explicit Writing(File& file);
         ~Writing();
         Writing(const Writing&) = delete;
@@ -166,10 +166,6 @@ class File {
     // that was written by others a moment before it was opened.
     bool changed() const;
 
-    // Whether pages of the state that this File has known since it was opened may be gone. False as long as
-    // other processes have only added statements: within a Reading this File then shows its state, whole.
-    bool overwritten() const;
-
     // Brings the journal into the file, if nobody else is reading or writing; false when that, or the disk,
     // does not allow it now. Never needed for correctness. Not within a Writing with uncommitted changes.
     bool checkpoint();
@@ -198,7 +194,10 @@ class File {
     };
 
     void openAndCheck(Access access, Opening opening);
-    void openDescriptor(Access access);
+    void openDescriptor(Access access, Opening opening);
+    void lockReaders();
+    void lockWriter();
+    void requireWritable(bool writable) const;
     void adoptJournal();
     void readHeader();
     std::size_t cachePages() const;
@@ -240,6 +239,7 @@ class File {
     bool stampUncertain_ = false;
 
     PageCache cache_;
+    Opening kept_ = Opening::kDone;  // whose lock waits to be taken over
     unsigned readings_ = 0;
     std::unique_ptr<Statement> statement_;
     std::uint64_t pagesRequested_ = 0;

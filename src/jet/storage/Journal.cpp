@@ -204,15 +204,6 @@ bool Journal::movedOn() const {
     return size > contents_.end && hasSealedRun(source(), *now, contents_.end);
 }
 
-bool Journal::replaced() const {
-    if (!contents_.header) return false;
-    struct stat info {};
-    std::array<std::uint8_t, kJournalHeaderSize> head{};
-    if (::fstat(fd_, &info) != 0 || !leadsTo(path_, info) || !readFully(fd_, head, 0)) return true;
-    const std::optional<JournalHeader> now = JournalHeader::decoded(head);
-    return !now || now->salt != contents_.header->salt;
-}
-
 bool Journal::apply(std::uint32_t page, std::span<std::uint8_t> bytes) const {
     return applyUpTo(page, bytes, kNoLimit);
 }

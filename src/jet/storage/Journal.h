@@ -52,8 +52,6 @@ class Journal {
     bool knows(const FileStamp& stamp) const;
     // Whether another process has done statements or a checkpoint since this object knows the journal.
     bool movedOn() const;
-    // Whether what this object knows stands in the journal no longer: more than statements was added.
-    bool replaced() const;
 
     bool startsWhole(std::uint32_t page) const { return contents_.index.startsWhole(page); }
     // Puts the page's changes over what the database file has. False when the journal cannot be read.

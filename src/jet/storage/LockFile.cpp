@@ -16,6 +16,7 @@ namespace {
 constexpr unsigned kSlots = 255;
 constexpr std::size_t kNameSize = 32;
 constexpr std::int64_t kUserLocks = 0x10000000;
+constexpr int kFlags = O_CLOEXEC | O_NONBLOCK | O_NOCTTY | O_NOFOLLOW;
 // The name of every user of a database without user accounts.
 constexpr std::string_view kUserName = "Admin";
 
@@ -71,7 +72,7 @@ void LockFile::enter(const std::string& databasePath, const FileRights& rights) 
     if (fd_ >= 0)
         giveRights(fd_, rights);
     else
-        fd_ = ::open(path_.c_str(), O_RDWR | O_CLOEXEC | O_NONBLOCK | O_NOCTTY | O_NOFOLLOW);
+        fd_ = ::open(path_.c_str(), O_RDWR | kFlags);
     if (fd_ < 0) return;
     for (unsigned slot = 1; slot <= kSlots && slot_ == 0; ++slot) {
         struct flock lock = slotLock(F_WRLCK, slot, 1);
@@ -83,12 +84,14 @@ void LockFile::enter(const std::string& databasePath, const FileRights& rights) 
     [[maybe_unused]] const ssize_t written = ::pwrite(fd_, record.data(), record.size(), recordAt(slot_));
 }
 
-LockFile::User LockFile::user(unsigned slot) const {
+LockFile::User LockFile::user(const std::string& databasePath, unsigned slot) {
+    if (slot < 1 || slot > kSlots) return {};
+    const int fd = ::open(lockFilePath(databasePath).c_str(), O_RDONLY | kFlags);
     Record record{};
-    const bool known = slot >= 1 && slot <= kSlots && fd_ >= 0 &&
-                       ::pread(fd_, record.data(), record.size(), recordAt(slot)) == ssize_t{sizeof(Record)};
-    if (!known) return {};
-    return {nameAt(record, 0), nameAt(record, kNameSize)};
+    const bool known =
+        fd >= 0 && ::pread(fd, record.data(), record.size(), recordAt(slot)) == ssize_t{sizeof(Record)};
+    if (fd >= 0) ::close(fd);
+    return known ? User{nameAt(record, 0), nameAt(record, kNameSize)} : User{};
 }
 
 void LockFile::remove() {

@@ -24,7 +24,8 @@ class LockFile {
     void enter(const std::string& databasePath, const FileRights& rights);
     // The own place, 1 to 255; 0 without one.
     unsigned slot() const { return slot_; }
-    User user(unsigned slot) const;
+    // Who has this place in a database's list.
+    static User user(const std::string& databasePath, unsigned slot);
     // Removes the list, unless somebody else has a place in it. For the last user, while nobody can enter.
     void remove();
 

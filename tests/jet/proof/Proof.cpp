@@ -6,7 +6,7 @@
 namespace wendel::jet::proof {
 
 std::set<std::string> findings(const std::string& path) {
-    Database database(path, Access::kReadOnly);
+    Database database(path, Access::kReadOnly, File::kDefaultCacheBytes, File::Opening::kReading);
     const File::Reading reading(database.file());
     const std::vector<std::string> found = checkFile(database);
     return {found.begin(), found.end()};

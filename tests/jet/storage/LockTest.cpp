@@ -105,7 +105,9 @@ class LockTest : public testing::Test {
         File file = open();
         return number(file);
     }
-    File open() const { return File(copy_.path(), Access::kReadWrite); }
+    File open(File::Opening opening = File::Opening::kDone) const {
+        return File(copy_.path(), Access::kReadWrite, File::kDefaultCacheBytes, opening);
+    }
     const std::string& path() const { return copy_.path(); }
 
     test::TemporaryCopy copy_;
@@ -123,19 +125,22 @@ TEST_F(LockTest, AWriterWaitsASecondAndNamesTheOther) {
         pause();
     });
     File file = open();
-    const auto start = Clock::now();
-    try {
-        write(file, 2);
-        FAIL() << "two writers";
-    } catch (const Fehler& failure) {
-        EXPECT_EQ(failure.nummer(), 3260);
-        EXPECT_EQ(failure.beschreibung(),
-                  "Aktualisieren nicht möglich; momentane Sperrung durch Benutzer 'Admin' "
-                  "auf Computer '" +
-                      computer + "'.");
+    const std::function<void()> ways[] = {[&] { write(file, 2); }, [&] { open(File::Opening::kWriting); }};
+    for (const auto& way : ways) {
+        const auto start = Clock::now();
+        try {
+            way();
+            FAIL() << "two writers";
+        } catch (const Fehler& failure) {
+            EXPECT_EQ(failure.nummer(), 3260);
+            EXPECT_EQ(failure.beschreibung(),
+                      "Aktualisieren nicht möglich; momentane Sperrung durch Benutzer 'Admin' "
+                      "auf Computer '" +
+                          computer + "'.");
+        }
+        EXPECT_GE(Clock::now() - start, 1s);
+        EXPECT_LT(Clock::now() - start, 3s);
     }
-    EXPECT_GE(Clock::now() - start, 1s);
-    EXPECT_LT(Clock::now() - start, 3s);
     EXPECT_EQ(number(file), 1u);
     neighbour.kill();  // and with it its lock and its statement
     write(file, 2);
@@ -159,6 +164,35 @@ TEST_F(LockTest, AReaderKeepsItsStateWhileOthersWrite) {
     EXPECT_FALSE(writer.changed());
     EXPECT_TRUE(reader.changed());
     EXPECT_EQ(loadU32(reinterpret_cast<const std::uint8_t*>(test::readFile(path()).data()) + 3 * 4096), 2u);
+}
+
+TEST_F(LockTest, TheFirstStatementHasTheLockOfTheOpening) {
+    File file = open();
+    {
+        File reader = open(File::Opening::kReading);
+        write(file, 2);
+        EXPECT_FALSE(file.checkpoint());
+        {
+            const File::Reading first(reader), nested(reader);
+            EXPECT_EQ(number(reader), 1u);
+        }
+        EXPECT_TRUE(file.checkpoint());
+    }
+    {
+        File writer = open(File::Opening::kWriting);
+        EXPECT_EQ(fehlernummerVon([&] { write(file, 3); }), 3260);
+        {
+            const File::Writing rolledBack(writer);
+            writer.appendPage();
+        }
+        EXPECT_EQ(number(writer), 2u);
+    }
+    File writer = open(File::Opening::kWriting);
+    write(writer, 3);
+    EXPECT_EQ(readAnew(), 3u);
+    write(writer, 4);
+    EXPECT_TRUE(file.checkpoint());
+    EXPECT_EQ(readAnew(), 4u);
 }
 
 TEST_F(LockTest, WhatChangesNothingIsNoChange) {
@@ -248,7 +282,9 @@ TEST_F(LockTest, AReadOnlyFolderIsReadThroughItsJournal) {
         if (::getuid() == 0 && ::setuid(65534) != 0) ::_exit(1);
         {
             File file = open();
-            result = (number(file) == 2 ? 0 : 2) + (fehlernummerVon([&] { write(file, 3); }) == 3027 ? 0 : 4);
+            result = (number(file) == 2 ? 0 : 2) +
+                     (fehlernummerVon([&] { write(file, 3); }) == 3027 ? 0 : 4) +
+                     (fehlernummerVon([&] { open(File::Opening::kWriting); }) == 3027 ? 0 : 8);
         }
         ::_exit(result);
     }
