@@ -82,15 +82,16 @@ void write(Datenbank& database, Counts& counts, int who, int n) {
             if (persistent(counts, [&] { database.execute("Update Konto Set Stand=Stand+1", kFailOnError); }))
                 ++counts.increments;
             break;
-        case 1:
+        case 1: {
+            const std::string amount = std::to_string(n % 1000);  // hours fit into a Long
             if (persistent(counts, [&] {
-                    database.execute("Update Konto Set Summe=Summe+IIf(ID=1," + std::to_string(n) + ",-" +
-                                         std::to_string(n) +
+                    database.execute("Update Konto Set Summe=Summe+IIf(ID=1," + amount + ",-" + amount +
                                          ") Where ID=1 or ID=" + std::to_string(2 + n % (kAccounts - 1)),
                                      kFailOnError);
                 }))
                 ++counts.transfers;
             break;
+        }
         default:
             persistent(counts, [&] {
                 const auto rs = database.openRecordset("Select * from Posten", kDynaset, kAppendOnly);
