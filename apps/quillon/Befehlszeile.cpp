@@ -1,5 +1,6 @@
 #include "Befehlszeile.h"
 
+#include <filesystem>
 #include <string_view>
 #include <utility>
 
@@ -12,7 +13,7 @@ namespace {
 
 constexpr std::string_view kAufruf =
     "Aufruf: quillon [--ordner ORDNER] [--anlegen] [--beispiel] [--erststart] [--setze NAME=WERT]\n"
-    "                [--zeige [NAME]]\n";
+    "                [--zeige [NAME]] [--termine-export DATEI] [--termine-import DATEI]\n";
 
 // Walks through the arguments.
 class Leser {
@@ -63,6 +64,12 @@ Auftrag zeigeAus(const std::optional<std::string>& name) {
     return Zeige{name ? zeileNamens(*name) : nullptr};
 }
 
+// Made absolute at once: the programme folder becomes the current one before the jobs run.
+std::string dateiAus(const std::string& name) {
+    if (name.empty()) throw Gebrauchsfehler("Der Dateiname ist leer.");
+    return std::filesystem::absolute(name).string();
+}
+
 void liesSchalter(Leser& leser, Befehl& befehl) {
     const std::string schalter = leser.naechstes();
     if (schalter == "--hilfe" || schalter == "--help" || schalter == "-h") {
@@ -80,6 +87,11 @@ void liesSchalter(Leser& leser, Befehl& befehl) {
         befehl.auftraege.push_back(setzeAus(leser.wertFuer(schalter)));
     } else if (schalter == "--zeige") {
         befehl.auftraege.push_back(zeigeAus(leser.moeglicherWert()));
+    } else if (schalter == "--termine-export") {
+        const std::string name = leser.wertFuer(schalter);
+        befehl.auftraege.emplace_back(TermineExport{name == "-" ? name : dateiAus(name)});
+    } else if (schalter == "--termine-import") {
+        befehl.auftraege.emplace_back(TermineImport{dateiAus(leser.wertFuer(schalter))});
     } else {
         throw Gebrauchsfehler("\"" + schalter + "\" ist unbekannt.");
     }
@@ -123,9 +135,19 @@ std::string hilfetext() {
         "  --erststart        wie --anlegen; gab es keine TV-Datenbank, hat die neue das Beispielprogramm\n"
         "  --setze NAME=WERT  ändert eine Einstellung\n"
         "  --zeige [NAME]     zeigt alle Einstellungen oder eine\n"
+        "  --termine-export DATEI   schreibt die eigenen Termine als Kalender (iCalendar, .ics);\n"
+        "                           \"-\" ist die Standardausgabe\n"
+        "  --termine-import DATEI   übernimmt die Ereignisse eines Kalenders als eigene Termine\n"
         "\n"
         "Vorhandenes wird nie überschrieben: Eine unlesbare fennow.cfg wird in\n"
-        "fennow.cfg.defekt umbenannt, bevor eine neue entsteht.\n"
+        "fennow.cfg.defekt umbenannt, bevor eine neue entsteht. Beim Export wird nur eine\n"
+        "Kalenderdatei ersetzt.\n"
+        "\n"
+        "Beim Import erinnert ein Termin zum ersten Alarm mit Anzeige oder Ton, sonst zum Beginn,\n"
+        "ganztägige um 09:00 Uhr. Was vorbei ist, kommt inaktiv, was sich wiederholt, mit dem\n"
+        "nächsten Mal. Wiederholungen, die es hier nicht gibt (anders als täglich, werktags,\n"
+        "wöchentlich oder mit einem Ende), werden zum einmaligen nächsten Termin. Alles, was\n"
+        "anders oder gar nicht übernommen wird, wird genannt. Was schon da ist, kommt nicht doppelt.\n"
         "\n"
         "Einstellungen:\n";
     for (const Einstellungszeile& zeile : einstellungstabelle()) {

@@ -33,7 +33,14 @@ struct Anfuegen {
 struct Zeige {
     const Einstellungszeile* zeile;  // null: all
 };
-using Auftrag = std::variant<Anlegen, Erststart, Beispiel, Setze, Anfuegen, Zeige>;
+struct TermineExport {
+    std::string datei;  // native and absolute; "-" is the standard output
+};
+struct TermineImport {
+    std::string datei;  // native and absolute
+};
+using Auftrag =
+    std::variant<Anlegen, Erststart, Beispiel, Setze, Anfuegen, Zeige, TermineExport, TermineImport>;
 
 struct Befehl {
     bool hilfe = false;                 // nothing else is asked for then

@@ -1,8 +1,15 @@
 #include "Einrichter.h"
 
+#include <functional>
 #include <string_view>
 #include <utility>
 
+#include "Kalenderausgabe.h"
+#include "Kalendereingabe.h"
+#include "Kalendertext.h"
+#include "Kalenderzeit.h"
+#include "Terminabgleich.h"
+#include "desktop/Pfade.h"
 #include "platform/Fehler.h"
 #include "platform/Text.h"
 #include "tvdb/Einstellungstabelle.h"
@@ -39,31 +46,51 @@ Variant unveraendert(const Array& array, std::int32_t index) {
     return array.at({index});
 }
 
-// The stored table with one more column. What is there is kept bit for bit, also what this version can't use.
-Variant mitSpalte(const Variant& bisher, const GespeicherterTermin& termin) {
-    const Variant neu = termineAlsVariant(std::span(&termin, 1));
+// The stored table with more columns. What is there is kept bit for bit, also what this version can't use.
+Variant mitSpalten(const Variant& bisher, std::span<const GespeicherterTermin> termine) {
+    const Variant neu = termineAlsVariant(termine);
     if (!bisher.istArray()) {
         if (bisher.istNull() || (!bisher.istText() && bisher.alsDouble() == 0)) return neu;
         misslungen("Die gespeicherten Termine können nicht gelesen werden. Es wurde nichts geändert.");
     }
     Array tabelle = bisher.alsArray();
-    const Array& spalte = neu.alsArray();
+    const Array& spalten = neu.alsArray();
+    const std::int32_t zeilen = spalten.grenzen[0].anzahl;
     if (tabelle.elementtyp != Varianttyp::Variant || tabelle.grenzen.size() != 2 ||
-        tabelle.grenzen[0].anzahl < spalte.grenzen[0].anzahl) {
+        tabelle.grenzen[0].anzahl < zeilen) {
         misslungen("Die gespeicherten Termine haben eine unbekannte Form. Es wurde nichts geändert.");
     }
-    tabelle.elemente.insert(tabelle.elemente.end(), spalte.elemente.begin(), spalte.elemente.end());
-    const std::int32_t weitereZeilen = tabelle.grenzen[0].anzahl - spalte.grenzen[0].anzahl;
-    tabelle.elemente.resize(tabelle.elemente.size() + static_cast<std::size_t>(weitereZeilen));
-    ++tabelle.grenzen[1].anzahl;
+    const auto weitereZeilen = static_cast<std::size_t>(tabelle.grenzen[0].anzahl - zeilen);
+    for (auto von = spalten.elemente.begin(); von != spalten.elemente.end(); von += zeilen) {
+        tabelle.elemente.insert(tabelle.elemente.end(), von, von + zeilen);
+        tabelle.elemente.resize(tabelle.elemente.size() + weitereZeilen);
+    }
+    tabelle.grenzen[1].anzahl += static_cast<std::int32_t>(termine.size());
     return Variant::array(std::move(tabelle));
+}
+
+std::size_t spaltenzahl(const Variant& tabelle) {
+    if (!tabelle.istArray() || tabelle.alsArray().grenzen.size() != 2) return 0;
+    return static_cast<std::size_t>(tabelle.alsArray().grenzen[1].anzahl);
+}
+
+std::string anzahlText(std::size_t n, std::string_view einzahl, std::string_view mehrzahl) {
+    return std::to_string(n) + std::string(n == 1 ? einzahl : mehrzahl);
+}
+
+std::string importzeile(std::size_t neue, std::size_t bekannte, std::size_t abgelehnte) {
+    std::string zeile = anzahlText(neue, " Termin übernommen", " Termine übernommen");
+    if (bekannte > 0) zeile += ", " + anzahlText(bekannte, " war schon da", " waren schon da");
+    if (abgelehnte > 0) zeile += ", " + std::to_string(abgelehnte) + " nicht übernommen";
+    return zeile + ".\n";
 }
 
 }  // namespace
 
 Einrichter::Einrichter(const Ports& ports, std::string programmordner, std::ostream& ausgabe,
                        std::ostream& hinweise)
-    : dateien_(ports.dateien),
+    : uhr_(ports.uhr),
+      dateien_(ports.dateien),
       programmordner_(ModulGrundbefehle::PfadMitBackslash(programmordner)),
       einstellungen_(ports.dateien, programmordner_),
       fernsehdatenbank_(ports, einstellungen_, programmordner_),
@@ -176,11 +203,12 @@ void Einrichter::tue(const Setze& auftrag) {
 }
 
 void Einrichter::tue(const Anfuegen& auftrag) {
-    Variant bisher;
-    if (const auto array = einstellungen_.arrayOderNichts()) {
-        bisher = unveraendert(array->alsArray(), einstellung::kTermin);
-    }
-    setze(einstellung::kTermin, mitSpalte(bisher, auftrag.termin));
+    setze(einstellung::kTermin, mitSpalten(gespeicherteTermine(), std::span(&auftrag.termin, 1)));
+}
+
+Variant Einrichter::gespeicherteTermine() {
+    const auto array = einstellungen_.arrayOderNichts();
+    return array ? unveraendert(array->alsArray(), einstellung::kTermin) : Variant();
 }
 
 void Einrichter::setze(std::int32_t index, const Variant& wert) {
@@ -194,17 +222,17 @@ void Einrichter::setze(std::int32_t index, const Variant& wert) {
 // ---- --zeige ----
 
 void Einrichter::tue(const Zeige& auftrag) {
-    std::optional<Variant> array = einstellungen_.arrayOderNichts();
-    if (!array) {
-        // Says why the file can't be read; only a missing one gives the defaults.
-        if (einstellungen_.EinstellungsdateiVorhanden())
-            array = einstellungen_.GetEinstellungsarray();
-        else
-            array = Variant::array(Array());
-    }
-    if (auftrag.zeile) return zeigeZeile(*auftrag.zeile, *array);
+    const Variant array = lesbareEinstellungen();
+    if (auftrag.zeile) return zeigeZeile(*auftrag.zeile, array);
     for (const Einstellungszeile& zeile : einstellungstabelle())
-        zeigeZeile(zeile, *array);
+        zeigeZeile(zeile, array);
+}
+
+// Says why the file can't be read; only a missing one gives the defaults.
+Variant Einrichter::lesbareEinstellungen() {
+    if (const auto array = einstellungen_.arrayOderNichts()) return *array;
+    if (einstellungen_.EinstellungsdateiVorhanden()) return einstellungen_.GetEinstellungsarray();
+    return Variant::array(Array());
 }
 
 void Einrichter::zeigeZeile(const Einstellungszeile& zeile, const Variant& array) {
@@ -220,6 +248,67 @@ void Einrichter::zeigeZeile(const Einstellungszeile& zeile, const Variant& array
     // A default that is a path is ours to show; what the user typed stays as it is.
     if (zeile.unterProgrammordner && wert == standard) text = dateien_.pfadAnzeige(text);
     ausgabe_ << zeile.name << "=" << einzeilig(text) << "\n";
+}
+
+// ---- --termine-export, --termine-import ----
+
+void Einrichter::tue(const TermineExport& auftrag) {
+    const Variant gespeichert = elementOderErsatz(lesbareEinstellungen(), einstellung::kTermin, Variant());
+    std::vector<GespeicherterTermin> termine = termineAusVariant(gespeichert);
+    std::erase_if(termine, std::not_fn(passtInKalender));
+    const std::string kalender = kalenderdatei(termine, weltzeitAus(uhr_.jetzt()));
+    const bool aufAusgabe = auftrag.datei == "-";
+    if (aufAusgabe)
+        ausgabe_ << kalender;
+    else
+        ersetzeKalender(logischerPfad(auftrag.datei), kalender);
+    (aufAusgabe ? hinweise_ : ausgabe_)
+        << anzahlText(termine.size(), " Termin exportiert.\n", " Termine exportiert.\n");
+    const std::size_t spalten = spaltenzahl(gespeichert);
+    if (spalten > termine.size())
+        hinweise_ << anzahlText(spalten - termine.size(), " Eintrag fehlt", " Einträge fehlen")
+                  << " im Kalender: ohne lesbaren Zeitpunkt bis zum Jahr 3000.\n";
+}
+
+// A mistyped name must not cost a file that is something else.
+void Einrichter::ersetzeKalender(const std::string& pfad, const std::string& kalender) {
+    const std::string name = "\"" + dateien_.pfadAnzeige(pfad) + "\"";
+    const auto groesse = dateien_.groesse(pfad);
+    if (groesse.value_or(0) > 0) {
+        const auto vorher = *groesse > kGroessteKalenderdatei ? std::nullopt : dateien_.lesen(pfad);
+        if (!vorher || !beginntKalender(*vorher))
+            misslungen(name + " ist schon da und keine Kalenderdatei. Es wurde nichts geschrieben.");
+    }
+    if (!dateien_.ersetzen(pfad, kalender)) misslungen(name + " kann nicht geschrieben werden.");
+}
+
+void Einrichter::tue(const TermineImport& auftrag) {
+    const Datum jetzt = uhr_.jetzt();
+    const Kalenderinhalt inhalt = liesKalender(logischerPfad(auftrag.datei), jetzt);
+    const Variant bisher = gespeicherteTermine();
+    const auto neue = neueTermine(inhalt.termine, termineAusVariant(bisher), jetzt);
+    if (!neue.empty()) setze(einstellung::kTermin, mitSpalten(bisher, neue));
+    for (const std::string& hinweis : inhalt.hinweise)
+        hinweise_ << hinweis << "\n";
+    ausgabe_ << importzeile(neue.size(), inhalt.termine.size() - neue.size(), inhalt.nichtUebernommen);
+    if (!neue.empty()) {
+        hinweise_ << "Läuft Lomrick gerade, liest es die Änderung beim nächsten Start oder nach dem "
+                     "Steuerbefehl \"refreshkonfig\".\n";
+    }
+}
+
+Kalenderinhalt Einrichter::liesKalender(const std::string& pfad, Datum jetzt) {
+    const std::string name = "\"" + dateien_.pfadAnzeige(pfad) + "\"";
+    const auto groesse = dateien_.groesse(pfad);
+    if (!groesse) misslungen("Die Datei " + name + " gibt es nicht.");
+    if (*groesse > kGroessteKalenderdatei) misslungen(name + ": Die Datei ist größer als 32 MB.");
+    const auto datei = dateien_.lesen(pfad);
+    if (!datei) misslungen("Die Datei " + name + " kann nicht gelesen werden.");
+    try {
+        return kalenderinhalt(*datei, jetzt);
+    } catch (const Fehler& fehler) {
+        misslungen(name + ": " + fehler.beschreibung() + " Es wurde nichts übernommen.");
+    }
 }
 
 }  // namespace wendel::quillon

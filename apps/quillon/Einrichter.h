@@ -1,7 +1,7 @@
 #pragma once
 // Carries out the jobs of the settings tool in one programme folder. Reading and writing the settings file is
 // the work of Einstellungen; what a value looks like, that of Einstellungstabelle; what stands in a new
-// database, that of Fernsehdatenbank.
+// database, that of Fernsehdatenbank; what a calendar file says, that of Kalendereingabe and -ausgabe.
 
 #include <optional>
 #include <ostream>
@@ -9,6 +9,7 @@
 
 #include "Befehlszeile.h"
 #include "Fernsehdatenbank.h"
+#include "Kalendereingabe.h"
 #include "platform/Ports.h"
 #include "tvdb/Einstellungen.h"
 
@@ -29,6 +30,8 @@ class Einrichter {
     void tue(const Setze& auftrag);
     void tue(const Anfuegen& auftrag);
     void tue(const Zeige& auftrag);
+    void tue(const TermineExport& auftrag);
+    void tue(const TermineImport& auftrag);
 
     void legeEinstellungenAn();
     void legeGuidekonfigurationAn();
@@ -39,8 +42,13 @@ class Einrichter {
     std::optional<std::string> fehlendeDatenbank();
     void meldeBeispiel(const Fernsehdatenbank::Umfang& umfang);
     void setze(std::int32_t index, const Variant& wert);
+    Variant gespeicherteTermine();
+    Variant lesbareEinstellungen();
+    void ersetzeKalender(const std::string& pfad, const std::string& kalender);
+    Kalenderinhalt liesKalender(const std::string& pfad, Datum jetzt);
     void zeigeZeile(const Einstellungszeile& zeile, const Variant& array);
 
+    Uhr& uhr_;
     Dateisystem& dateien_;
     std::string programmordner_;
     Einstellungen einstellungen_;
