@@ -10,6 +10,9 @@ inline constexpr int kWiederholenAbbrechenVordergrund = 65589;  // the same, for
 inline constexpr int kJaNeinAusrufezeichen = 52;
 inline constexpr int kAusrufezeichen = 48;
 inline constexpr int kInformation = 64;
+inline constexpr int kKritisch = 16;
+inline constexpr int kJaNeinFrage = 36;
+inline constexpr int kJaNeinInformation = 68;
 }  // namespace meldungsstil
 
 enum class Antwort { Ok = 1, Abbrechen = 2, Wiederholen = 4, Ja = 6, Nein = 7 };
