@@ -165,6 +165,14 @@ std::optional<std::uint64_t> LinuxDateisystem::groesse(const std::string& pfad) 
     return static_cast<std::uint64_t>(angaben.st_size);
 }
 
+std::optional<Dateistand> LinuxDateisystem::stand(const std::string& pfad) {
+    constexpr std::int64_t kNsJeSekunde = 1'000'000'000;
+    struct stat angaben {};
+    if (finde(pfad, angaben).empty()) return std::nullopt;
+    return Dateistand{static_cast<std::uint64_t>(angaben.st_size),
+                      angaben.st_mtim.tv_sec * kNsJeSekunde + angaben.st_mtim.tv_nsec};
+}
+
 std::optional<std::string> LinuxDateisystem::lesen(const std::string& pfad) try {
     struct stat angaben {};
     const std::string nativ = finde(pfad, angaben);

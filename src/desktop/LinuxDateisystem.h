@@ -17,6 +17,7 @@ class LinuxDateisystem : public Dateisystem {
   public:
     bool existiert(const std::string& pfad) override;
     std::optional<std::uint64_t> groesse(const std::string& pfad) override;
+    std::optional<Dateistand> stand(const std::string& pfad) override;
     std::optional<std::string> lesen(const std::string& pfad) override;
 
     [[nodiscard]] bool anlegen(const std::string& pfad) override;

@@ -116,6 +116,13 @@ std::optional<std::uint64_t> FakeDateisystem::groesse(const std::string& pfad) {
     return gelesen ? std::optional<std::uint64_t>(gelesen->size()) : std::nullopt;
 }
 
+std::optional<Dateistand> FakeDateisystem::stand(const std::string& pfad) {
+    const auto gelesen = vorgang("stand", pfad) ? inhalt(pfad) : std::nullopt;
+    if (!gelesen) return std::nullopt;
+    const auto zeit = geaendertNs.find(pfad);
+    return Dateistand{gelesen->size(), zeit == geaendertNs.end() ? 0 : zeit->second};
+}
+
 std::optional<std::string> FakeDateisystem::lesen(const std::string& pfad) {
     return vorgang("lesen", pfad) ? inhalt(pfad) : std::nullopt;
 }

@@ -128,11 +128,14 @@ class FakeDateisystem : public FakeBasis, public Dateisystem {
     std::function<bool(const std::string& vorgang, const std::string& pfad)> scheitert;
     // Exact paths whose content cannot be changed.
     std::set<std::string> nurLesen;
+    // By exact path, for stand(): when a file was changed; 0 unless a test says more.
+    std::map<std::string, std::int64_t> geaendertNs;
     // Durable operations so far: for running the same scene once for each of them.
     int dauerhafteVorgaenge = 0;
 
     bool existiert(const std::string& pfad) override;
     std::optional<std::uint64_t> groesse(const std::string& pfad) override;
+    std::optional<Dateistand> stand(const std::string& pfad) override;
     std::optional<std::string> lesen(const std::string& pfad) override;
     [[nodiscard]] bool anlegen(const std::string& pfad) override;
     [[nodiscard]] bool ueberschreibenAmAnfang(const std::string& pfad, std::string_view inhalt) override;

@@ -6,6 +6,13 @@
 
 namespace wendel {
 
+// What tells one content of a file from another without reading it.
+struct Dateistand {
+    std::uint64_t groesse = 0;
+    std::int64_t geaendertNs = 0;  // time of the last change; comparable with others of the same file only
+    friend bool operator==(const Dateistand&, const Dateistand&) = default;
+};
+
 // Files by logic paths: plain UTF-8 text with "\" between folders (and "/" accepted). The adapter alone turns
 // them into native paths. Wildcards are ordinary characters. Operations return false or nothing on any
 // failure and never throw. Relative paths count from the current folder.
@@ -14,9 +21,10 @@ class Dateisystem {
     virtual ~Dateisystem() = default;
 
     // Regular files only, links followed; "" is no file. A name not found with exact case is looked for
-    // without regard to case in its last component, here and in lesen() and groesse().
+    // without regard to case in its last component, here and in lesen(), groesse() and stand().
     virtual bool existiert(const std::string& pfad) = 0;
     virtual std::optional<std::uint64_t> groesse(const std::string& pfad) = 0;
+    virtual std::optional<Dateistand> stand(const std::string& pfad) = 0;
     virtual std::optional<std::string> lesen(const std::string& pfad) = 0;
 
     // Creates an empty file if there is none (opening for binary access does); an existing one is untouched.

@@ -2,7 +2,9 @@
 
 #include "desktop/LinuxDateisystem.h"
 
+#include <fcntl.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 
 #include <random>
 
@@ -28,6 +30,9 @@ TEST_F(Dateien, OnlyTheLastComponentIsFoundInAnyCase) {
     EXPECT_EQ("-", gelesen("tv/Müller.TXT")) << "folder's case counts";
     EXPECT_EQ("-", gelesen("Tv/fifo")) << "nothing waits for one";
     EXPECT_EQ(6u, dateien.groesse(temp.logisch("Tv/MÜLLER.TXT")));
+    const timespec zeiten[] = {{5, 0}, {7, 9}};
+    ASSERT_EQ(0, ::utimensat(AT_FDCWD, (temp / "Tv/Müller.TXT").c_str(), zeiten, 0));
+    EXPECT_EQ((Dateistand{6, 7'000'000'009}), dateien.stand(temp.logisch("Tv/MÜLLER.TXT")));
     const std::string gekappt = temp.logisch("Tv/Müller.TXT") + '\0' + "x";
     EXPECT_FALSE(dateien.existiert(gekappt) || dateien.schreiben(gekappt, "x") || dateien.loeschen(gekappt));
     EXPECT_EQ("inhalt", inhaltVon(temp / "Tv/Müller.TXT"));
