@@ -11,6 +11,7 @@
 #include "core/Start.h"
 #include "core/WeckTimer.h"
 #include "reminders/FormHinweis.h"
+#include "reminders/FormTermin.h"
 #include "tvdb/ModulGrundbefehle.h"
 
 namespace wendel {
@@ -46,14 +47,16 @@ Prozesswerte anfangswerte(const Startumgebung& umgebung) {
 }  // namespace
 
 struct Anwendung::Teile {
-    Teile(const Ports& p, FormWendelView& wendelView, FormHinweisView& hinweisView, Startumgebung umgebung)
+    Teile(const Ports& p, FormWendelView& wendelView, FormHinweisView& hinweisView,
+          FormTerminView& terminView, Startumgebung umgebung)
         : ports(p),
           werte(anfangswerte(umgebung)),
           bestand(ports, werte),
           empfaenger(bestand),
           hinweis(ports.uhr, hinweisView, empfaenger),
+          termin(ports.uhr, ports.meldungen, terminView),
           hauptanwendung(ports, werte),
-          wendel(ports, bestand, hinweis, hauptanwendung, wendelView),
+          wendel(ports, bestand, hinweis, termin, hauptanwendung, wendelView),
           ausgabe(ports, bestand, hinweis),
           weckTimer(ports, bestand, wendel, ausgabe),
           start(ports, werte, bestand, wendel, ausgabe, std::move(umgebung.einzigeKopie)) {
@@ -65,6 +68,7 @@ struct Anwendung::Teile {
     Datenbestand bestand;
     Hinweisempfaenger empfaenger;
     FormHinweis hinweis;
+    FormTermin termin;
     ModulInterneKommunikation hauptanwendung;
     FormWendel wendel;
     Hinweisausgabe ausgabe;
@@ -77,8 +81,8 @@ struct Anwendung::Teile {
 };
 
 Anwendung::Anwendung(const Ports& ports, FormWendelView& wendelView, FormHinweisView& hinweisView,
-                     Startumgebung umgebung)
-    : teile_(std::make_unique<Teile>(ports, wendelView, hinweisView, std::move(umgebung))) {}
+                     FormTerminView& terminView, Startumgebung umgebung)
+    : teile_(std::make_unique<Teile>(ports, wendelView, hinweisView, terminView, std::move(umgebung))) {}
 
 Anwendung::~Anwendung() = default;
 
@@ -89,11 +93,15 @@ Startergebnis Anwendung::starten() {
     teile_->laeuft = true;
     for (const std::string& zeile : std::exchange(teile_->wartendeZeilen, {}))
         DoThis(zeile);
+    teile_->wendel.setzeBereit();
+    teile_->wendel.vorgemerktesAnstossen();
     return teile_->wendel.beendet() ? Startergebnis::Beendet : Startergebnis::Laeuft;
 }
 
 void Anwendung::tick() {
-    if (teile_->laeuft) teile_->weckTimer.Timer();
+    if (!teile_->laeuft) return;
+    teile_->weckTimer.Timer();
+    teile_->wendel.vorgemerktesAnstossen();
 }
 
 void Anwendung::DoThis(const std::string& text) {
@@ -114,6 +122,8 @@ void Anwendung::beenden() { teile_->wendel.ExitProgram(); }
 FormWendel& Anwendung::formWendel() { return teile_->wendel; }
 
 FormHinweis& Anwendung::formHinweis() { return teile_->hinweis; }
+
+FormTermin& Anwendung::formTermin() { return teile_->termin; }
 
 const Prozesswerte& Anwendung::werte() const { return teile_->werte; }
 

@@ -16,6 +16,8 @@ namespace wendel {
 
 class FormHinweis;
 class FormHinweisView;
+class FormTermin;
+class FormTerminView;
 class FormWendel;
 
 struct Startumgebung {
@@ -38,7 +40,7 @@ class Anwendung {
   public:
     // Ports and views outlive the object. The views may be called from starten() on.
     Anwendung(const Ports& ports, FormWendelView& wendelView, FormHinweisView& hinweisView,
-              Startumgebung umgebung);
+              FormTerminView& terminView, Startumgebung umgebung);
     ~Anwendung();
     Anwendung(const Anwendung&) = delete;
     Anwendung& operator=(const Anwendung&) = delete;
@@ -57,6 +59,7 @@ class Anwendung {
 
     FormWendel& formWendel();
     FormHinweis& formHinweis();
+    FormTermin& formTermin();
     const Prozesswerte& werte() const;
 
   private:

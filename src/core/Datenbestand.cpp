@@ -24,23 +24,6 @@ bool localeVerwenden(const Ports& ports, const std::string& titel, const std::st
     return ports.meldungen.meldung(text, meldungsstil::kJaNeinAusrufezeichen, titel) == Antwort::Ja;
 }
 
-// What is in alle and not in weg, each as often as it is there more.
-std::vector<GespeicherterTermin> ohne(std::vector<GespeicherterTermin> alle,
-                                      const std::vector<GespeicherterTermin>& weg) {
-    for (const GespeicherterTermin& termin : weg) {
-        const auto gefunden = std::find(alle.begin(), alle.end(), termin);
-        if (gefunden != alle.end()) alle.erase(gefunden);
-    }
-    return alle;
-}
-
-// A settings file that was made anew has lost its content; nothing was deleted from it on purpose.
-bool istNeu(const Variant& array) {
-    const auto& elemente = array.alsArray().elemente;
-    return std::all_of(elemente.begin(), elemente.end(),
-                       [](const Variant& element) { return element.istLeer(); });
-}
-
 TerminZeiger suche(const Terminliste& termine, const Hinweisschluessel& schluessel) {
     const auto gefunden = std::find_if(termine.begin(), termine.end(), [&](const TerminZeiger& termin) {
         return termin->WeckZeit == schluessel.moment && hinweisschluessel(*termin) == schluessel;
@@ -56,7 +39,8 @@ Datenbestand::Datenbestand(const Ports& ports, Prozesswerte& werte)
       einstellungen_(ports.dateien, werte.programmordner),
       zugriff_(ports, einstellungen_, werte),
       sender_(zugriff_),
-      journal_(ports.dateien, werte.programmordner) {}
+      journal_(ports.dateien, werte.programmordner),
+      termine_(ports.uhr, einstellungen_, journal_) {}
 
 void Datenbestand::einstellungenLesen() {
     const bool lesbar = einstellungen_.EinstellungsdateiVorhanden() && einstellungen_.arrayOderNichts();
@@ -86,55 +70,9 @@ void Datenbestand::hauptanwendungTitelLesen() {
     werte_.hauptanwendungTitel = Guidekonfiguration::liesAppname(ports_.dateien, werte_.programmordner);
 }
 
-void Datenbestand::termineLaden() {
-    const Datum jetzt = ports_.uhr.jetzt();
-    abgelegt_ = konfiguration_.termine;
-    eigene_ = termineAusEinstellungen(abgelegt_, jetzt);
-    if (!gezeigteWeiterstellen(eigene_, journal_, jetzt)) return;
-    ungespeichert_ = true;
-    static_cast<void>(speichernWennNoetig());
-}
-
-void Datenbestand::terminAnhaengen(const TerminZeiger& termin) {
-    while (journal_.kennt(*termin))
-        termin->WeckZeit = termin->WeckZeit.plusSekunden(1);
-    eigene_.push_back(termin);
-    ungespeichert_ = true;
-}
-
 bool Datenbestand::speichernWennNoetig() {
     const bool journalGeschrieben = journal_.nachschreiben();
-    if (!ungespeichert_) return journalGeschrieben;
-    try {
-        fremdeAenderungenUebernehmen();
-        auto termine = termineFuerEinstellungen(eigene_);
-        einstellungen_.setzeEinstellung(einstellung::kTermin, termineAlsVariant(termine));
-        // The file has fewer characters; compared with it later must be what it holds.
-        for (auto& termin : termine)
-            termin.weckText = ausWindows1252(nachWindows1252(termin.weckText));
-        abgelegt_ = konfiguration_.termine = std::move(termine);
-        ungespeichert_ = false;
-        return journalGeschrieben;
-    } catch (const Fehler&) {
-        // Still marked as unstored: the next minute tries again.
-        return false;
-    }
-}
-
-// Between a change here and its storing another program may have written the file: its new appointments would
-// be lost, those it deleted would come back.
-void Datenbestand::fremdeAenderungenUebernehmen() {
-    const std::optional<Variant> array = einstellungen_.arrayOderNichts();
-    if (!array || istNeu(*array)) return;
-    const auto jetzige = termineAusVariant(elementOderErsatz(*array, einstellung::kTermin, Variant()));
-    for (const auto& geloescht : ohne(abgelegt_, jetzige)) {
-        const auto gefunden = std::find_if(eigene_.begin(), eigene_.end(), [&](const TerminZeiger& termin) {
-            return termineFuerEinstellungen({termin}).front() == geloescht;
-        });
-        if (gefunden != eigene_.end()) eigene_.erase(gefunden);
-    }
-    const Terminliste neue = termineAusEinstellungen(ohne(jetzige, abgelegt_), ports_.uhr.jetzt());
-    eigene_.insert(eigene_.end(), neue.begin(), neue.end());
+    return termine_.speichernWennNoetig() && journalGeschrieben;
 }
 
 void Datenbestand::senderLaden() {

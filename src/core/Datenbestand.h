@@ -7,11 +7,11 @@
 #include <string>
 #include <vector>
 
+#include "core/EigeneTermine.h"
 #include "platform/Ports.h"
 #include "platform/Prozesswerte.h"
 #include "reminders/ErinnerungenLesen.h"
 #include "reminders/Hinweisjournal.h"
-#include "reminders/Terminspeicher.h"
 #include "reminders/cTermin.h"
 #include "tvdb/Einstellungen.h"
 #include "tvdb/Einstellungstabelle.h"
@@ -38,18 +38,11 @@ class Datenbestand {
     void pfadeBestimmen();
     void hauptanwendungTitelLesen();
 
-    // --- the user's own appointments: the only entries that are stored ---
+    // --- the user's own appointments ---
 
-    // From the settings that were read last. Those that the journal knows as shown are moved on, so that a
-    // crash between notice and storing repeats nothing.
-    void termineLaden();
-    // A new entry at the end of the collection. Its moment moves by a second while an entry of this moment
-    // and text is known as shown: else the next start would take it for that one.
-    void terminAnhaengen(const TerminZeiger& termin);
-    void termineGeaendert() { ungespeichert_ = true; }
+    EigeneTermine& termine() { return termine_; }
     // Writes changed appointments and notices that could not be written; does nothing when all is stored.
-    // What another program has added to the stored appointments, or taken away, meanwhile is taken over
-    // first. False when writing failed: the next call tries again.
+    // False when writing failed: the next call tries again.
     bool speichernWennNoetig();
 
     // --- what comes from the database ---
@@ -68,10 +61,12 @@ class Datenbestand {
     // The program did not watch for a while: the next abfragen() that succeeds also looks for what was
     // missed.
     void verpassteVormerken() { verpassteOffen_ = true; }
+    // An access is under way; its boxes let the user, ticks and control lines act meanwhile.
+    bool zugriffLaeuft() const { return zugriffLaeuft_; }
 
     // --- the entries ---
 
-    const Terminliste& eigene() const { return eigene_; }
+    const Terminliste& eigene() const { return termine_.liste(); }
     const Terminliste& erinnerungen() const { return erinnerungen_; }
     const Terminliste& aufzeichnungen() const { return aufzeichnungen_; }
     // Keys of the user's marks as the last maintenance has read them.
@@ -80,7 +75,6 @@ class Datenbestand {
     const Prozesswerte& werte() const { return werte_; }
 
   private:
-    void fremdeAenderungenUebernehmen();
     bool senderBereit();
     Terminabfragen terminabfragen();
     std::vector<std::string> senderkennungen() const;
@@ -98,16 +92,13 @@ class Datenbestand {
     ModulDatenbankzugriff zugriff_;
     Senderliste sender_;
     Hinweisjournal journal_;
+    EigeneTermine termine_;
     Konfiguration konfiguration_;
 
-    // The appointments as the file held them when it was last read or written here.
-    std::vector<GespeicherterTermin> abgelegt_;
-    Terminliste eigene_;
     Terminliste erinnerungen_;
     Terminliste aufzeichnungen_;
     Markierungslisten markierungslisten_;
     bool einstellungenGelesen_ = false;
-    bool ungespeichert_ = false;
     bool verpassteOffen_ = true;
     bool senderGeladen_ = false;
     bool zugriffLaeuft_ = false;

@@ -8,9 +8,12 @@
 #include "core/Laufend.h"
 #include "core/Liveupdatetext.h"
 #include "core/ModulInterneKommunikation.h"
+#include "platform/Fehler.h"
 #include "platform/ModulFenster.h"
 #include "platform/Text.h"
+#include "recording/ModulDateiStarten.h"
 #include "reminders/FormHinweis.h"
+#include "reminders/FormTermin.h"
 
 namespace wendel {
 
@@ -18,6 +21,11 @@ namespace {
 
 constexpr std::string_view kStarttipp = "Lomrick";
 constexpr std::int16_t kDoppelklickHauptanwendung = 1;
+constexpr const char* kLiveUpdateProgramm = "skarvel.exe";
+constexpr int kFensterNormal = 1;
+constexpr int kEingabe = 13;
+constexpr int kEntfernen = 46;
+constexpr int kRechteTaste = 2;
 
 enum class Steuerwort { Unbekannt, Terminupdate, ShowWendel, RefreshTVDaten, RefreshKonfig, CreateTermin };
 
@@ -34,9 +42,14 @@ Steuerwort steuerwort(std::string_view zeile) {
 
 }  // namespace
 
-FormWendel::FormWendel(const Ports& ports, Datenbestand& bestand, FormHinweis& hinweis,
+FormWendel::FormWendel(const Ports& ports, Datenbestand& bestand, FormHinweis& hinweis, FormTermin& termin,
                        ModulInterneKommunikation& hauptanwendung, FormWendelView& view)
-    : ports_(ports), bestand_(bestand), hinweis_(hinweis), hauptanwendung_(hauptanwendung), view_(view) {}
+    : ports_(ports),
+      bestand_(bestand),
+      hinweis_(hinweis),
+      termin_(termin),
+      hauptanwendung_(hauptanwendung),
+      view_(view) {}
 
 // ---- control lines, messages ----
 
@@ -50,11 +63,7 @@ void FormWendel::SteuerzeileEmpfangen(const std::string& text) {
         case Steuerwort::ShowWendel: zeigenUndNachVorn(); break;
         case Steuerwort::RefreshTVDaten: RefreshTVDaten(); break;
         case Steuerwort::RefreshKonfig: refreshKonfig(); break;
-        case Steuerwort::CreateTermin:
-            zeigen();
-            ModulFenster::ForceForeground(ports_.fenster, view_.hwnd());
-            ports_.uhr.nachrichtenVerarbeiten();
-            break;
+        case Steuerwort::CreateTermin: createTermin(); break;
         case Steuerwort::Unbekannt: break;
     }
 }
@@ -62,6 +71,15 @@ void FormWendel::SteuerzeileEmpfangen(const std::string& text) {
 void FormWendel::terminupdate() {
     bestand_.markierungenPflegenUndAbfragen();
     RefreshTVDaten();
+}
+
+void FormWendel::createTermin() {
+    if (!termin_.offen()) {
+        zeigen();
+        ModulFenster::ForceForeground(ports_.fenster, view_.hwnd());
+        ports_.uhr.nachrichtenVerarbeiten();
+    }
+    TerminNeu();
 }
 
 void FormWendel::RefreshTVDaten() {
@@ -90,9 +108,10 @@ void FormWendel::konfigNeuLesen() {
     }
     // Appointments that could not be stored must not be replaced by older ones. Stored once more, since the
     // boxes before may have let a notice be answered.
-    if (bestand_.speichernWennNoetig()) bestand_.termineLaden();
+    if (bestand_.speichernWennNoetig()) bestand_.termine().laden();
     bestand_.markierungenPflegenUndAbfragen();
-    nachholen(bestand_.eigene(), ports_.uhr.jetzt());
+    bestand_.termine().nachholen();
+    static_cast<void>(bestand_.speichernWennNoetig());
     Ausfüllen();
     TaskBarIconAktualisieren();
 }
@@ -116,22 +135,92 @@ void FormWendel::iconDoppelklick() {
 
 void FormWendel::zeigen() { view_.zeigen(); }
 
+// The editor is modal to the list: it would be left behind it.
 void FormWendel::zeigenUndNachVorn() {
     view_.zeigen();
     view_.nachVorn();
+    if (termin_.offen()) termin_.nachVorn();
 }
 
 void FormWendel::verstecken() { view_.verstecken(); }
 
-void FormWendel::fensterSchliessen() { verstecken(); }
+// Without the list the editor would have no owner on the screen.
+void FormWendel::fensterSchliessen() {
+    if (termin_.offen()) return termin_.nachVorn();
+    verstecken();
+}
 
-void FormWendel::cmdAusblenden_Click() { verstecken(); }
+void FormWendel::cmdAusblenden_Click() { fensterSchliessen(); }
 
-void FormWendel::mnuBeenden_Click() { ExitProgram(); }
+void FormWendel::mnuBeenden_Click() {
+    if (geladen_ && !beendet_ && !bestand_.speichernWennNoetig() && bestand_.termine().ungespeichert() &&
+        !fragen("Die Termine konnten nicht gespeichert werden:\r\n" + bestand_.termine().speicherfehler() +
+                    "\r\nMöchten Sie trotzdem beenden ?",
+                meldungsstil::kJaNeinAusrufezeichen, "Termine"))
+        return;
+    ExitProgram();
+}
+
+void FormWendel::LabelAnzLiveUpdateEinstellungenStartLink_Click() {
+    const std::string datei = bestand_.werte().programmordner + kLiveUpdateProgramm;
+    try {
+        ModulDateiStarten::DateiStarten(ports_.starter, datei, bestand_.konfiguration().linkParameter,
+                                        kFensterNormal);
+    } catch (const Fehler&) {
+        ports_.meldungen.meldung("Die folgende Datei kann nicht gestartet werden:\r\n\"" +
+                                     ports_.dateien.pfadAnzeige(datei) + "\"",
+                                 meldungsstil::kAusrufezeichen, "Fehler");
+    }
+}
+
+// ---- the list and its menu ----
 
 void FormWendel::zeileGewaehlt(std::optional<std::size_t> zeile) {
     auswahl_ = zeile && *zeile < zeilentermine_.size() ? zeile : std::nullopt;
+    auswahltermin_ = auswahl_ ? zeilentermine_[*auswahl_] : nullptr;
+    if (menuezustand_ != auswahl_.has_value()) menuezustandZeigen();
 }
+
+std::int32_t FormWendel::GetSelektierterIndex() const {
+    return auswahl_ ? static_cast<std::int32_t>(*auswahl_) + 1 : 0;
+}
+
+void FormWendel::menuezustandZeigen() {
+    menuezustand_ = GetSelektierterIndex() >= 1;
+    view_.setzeMenuezustand(*menuezustand_);
+}
+
+void FormWendel::ListViewTermineListe_Click() { menuezustandZeigen(); }
+
+void FormWendel::ListViewTermineListe_DblClick() {
+    menuezustandZeigen();
+    TerminBearbeiten();
+}
+
+bool FormWendel::ListViewTermineListe_KeyPress(int zeichencode) {
+    if (zeichencode != kEingabe) return false;
+    TerminBearbeiten();
+    return true;
+}
+
+bool FormWendel::ListViewTermineListe_KeyDown(int tastencode) {
+    const bool loeschen = tastencode == kEntfernen;
+    if (loeschen) TerminLoeschen();
+    if (!beendet_) menuezustandZeigen();
+    return loeschen;
+}
+
+void FormWendel::ListViewTermineListe_MouseUp(int knopf) {
+    if (knopf != kRechteTaste) return;
+    menuezustandZeigen();
+    view_.zeigePopupTerminliste(GetSelektierterIndex() >= 1);
+}
+
+void FormWendel::mnuNeuTermin_Click() { TerminNeu(); }
+
+void FormWendel::mnuEditieren_Click() { TerminBearbeiten(); }
+
+void FormWendel::mnuLöschen_Click() { TerminLoeschen(); }
 
 void FormWendel::Ausfüllen() {
     if (beendet_) return;
@@ -144,6 +233,11 @@ void FormWendel::Ausfüllen() {
         zeilen.push_back(terminzeile(*termin, jetzt));
     zeilenZeigen(std::move(zeilen), std::move(termine));
 
+    liveUpdateZeigen();
+    speicherstandZeigen();
+}
+
+void FormWendel::liveUpdateZeigen() {
     const Konfiguration& konfiguration = bestand_.konfiguration();
     std::string text = liveUpdateEinstellungenText(konfiguration.liveUpdate, konfiguration.liveUpdateModus,
                                                    konfiguration.zeitplan);
@@ -152,18 +246,31 @@ void FormWendel::Ausfüllen() {
     view_.setzeLiveUpdateEinstellungen(*liveUpdateText_);
 }
 
+void FormWendel::speicherstandZeigen() {
+    const bool gescheitert = !bestand_.termine().speicherfehler().empty();
+    if (!gescheitert) speicherfehlerGemeldet_ = speicherfehlerZuMelden_ = false;
+    const std::string text = gescheitert ? "Noch nicht gespeichert, neuer Versuch jede Minute: " +
+                                               bestand_.termine().speicherfehler()
+                                         : "";
+    if (statustext_ == text) return;
+    statustext_ = text;
+    view_.setzeStatustext(statustext_);
+}
+
 // The selection belongs to the record, not to the place that it had.
 void FormWendel::zeilenZeigen(std::vector<Terminzeile> zeilen, Terminliste termine) {
     std::optional<std::size_t> auswahl;
-    if (auswahl_) {
-        const auto gefunden = std::find(termine.begin(), termine.end(), zeilentermine_[*auswahl_]);
+    if (auswahltermin_) {
+        const auto gefunden = std::find(termine.begin(), termine.end(), auswahltermin_);
         if (gefunden != termine.end()) auswahl = static_cast<std::size_t>(gefunden - termine.begin());
     }
     const bool gleich = zeilen == zeilen_ && auswahl == auswahl_;
     zeilen_ = std::move(zeilen);
     zeilentermine_ = std::move(termine);
     auswahl_ = auswahl;
+    if (!auswahl_) auswahltermin_ = nullptr;
     if (!gleich) view_.setzeZeilen(zeilen_, auswahl_);
+    if (menuezustand_ != auswahl_.has_value()) menuezustandZeigen();
 }
 
 // ---- the icon ----
@@ -190,14 +297,133 @@ IconDatensatz FormWendel::datensatz(std::string_view tipp) {
     return iconDatensatz(static_cast<std::uint32_t>(view_.hwnd()), kIconProgrammbild, tipp);
 }
 
-// ---- entries, the way out ----
+// ---- the user's appointments ----
 
-void FormWendel::terminHinzufuegen(const TerminZeiger& termin) {
-    bestand_.terminAnhaengen(termin);
+bool FormWendel::wuerdeAufhalten() const {
+    return !bereit_ || beschaeftigt_ || frageOffen_ || konfigLaeuft_ || bestand_.zugriffLaeuft();
+}
+
+// What waits inside a tick silences all reminders, and inside an access to the database those of broadcasts:
+// nobody knows how long the user lets the editor stand.
+bool FormWendel::aktionMoeglich(Aktion aktion) {
+    if (beendet_) return false;
+    if (termin_.offen()) {
+        termin_.nachVorn();
+        return false;
+    }
+    if (!wuerdeAufhalten()) return true;
+    vorgemerkt_ = aktion;
+    return false;
+}
+
+void FormWendel::vorgemerktesAnstossen() {
+    if ((vorgemerkt_ || speicherfehlerZuMelden_) && !beendet_ && !wuerdeAufhalten())
+        view_.rufeVorgemerktesBald();
+}
+
+void FormWendel::VorgemerktesAusfuehren() {
+    if (beendet_ || wuerdeAufhalten()) return;
+    if (speicherfehlerZuMelden_) speicherfehlerMelden();
+    const std::optional<Aktion> aktion = std::exchange(vorgemerkt_, std::nullopt);
+    if (aktion == Aktion::Neu) TerminNeu();
+    if (aktion == Aktion::Bearbeiten) TerminBearbeiten();
+    if (aktion == Aktion::Loeschen) TerminLoeschen();
+}
+
+void FormWendel::TerminNeu() {
+    if (!aktionMoeglich(Aktion::Neu)) return;
+    TerminZeiger neu;
+    if (!termin_.ShowAndGetTermin(neu) || beendet_) return;
+    neu->Aktiv = true;
+    bestand_.termine().anhaengen(neu);
+    auswahltermin_ = neu;
+    nachTerminaenderung();
+}
+
+void FormWendel::TerminBearbeiten() {
+    if (!aktionMoeglich(Aktion::Bearbeiten)) return;
+    const TerminZeiger termin = GetSelektierterIndex() ? auswahltermin_ : nullptr;
+    if (!termin) return;
+    if (termin->Art != Terminart::Eigener) return wechselAnbieten(termin->Art);
+    const cTermin vorher = *termin;
+    TerminZeiger kopie = std::make_shared<cTermin>(vorher);
+    if (!termin_.ShowAndGetTermin(kopie) || beendet_) return;
+    auswahltermin_ = bestand_.termine().uebernehmen(termin, vorher, *kopie);
+    nachTerminaenderung();
+}
+
+void FormWendel::TerminLoeschen() {
+    if (!aktionMoeglich(Aktion::Loeschen)) return;
+    const TerminZeiger termin = GetSelektierterIndex() ? auswahltermin_ : nullptr;
+    if (!termin) return;
+    if (termin->Art != Terminart::Eigener) return wechselAnbieten(termin->Art);
+    if (!fragen("Möchten Sie den markierten Termin wirklich löschen ?", meldungsstil::kJaNeinFrage,
+                "Termin löschen"))
+        return;
+    if (bestand_.termine().entfernen(*termin) == auswahltermin_) auswahltermin_ = nachbar();
+    nachTerminaenderung();
+}
+
+// The record whose row takes the place of the selected one when that goes: who works with the keyboard goes
+// on from there.
+TerminZeiger FormWendel::nachbar() const {
+    if (!auswahl_ || zeilentermine_.size() < 2) return nullptr;
+    const bool letzte = *auswahl_ + 1 == zeilentermine_.size();
+    return zeilentermine_[letzte ? *auswahl_ - 1 : *auswahl_ + 1];
+}
+
+void FormWendel::wechselAnbieten(Terminart art) {
+    const bool aufzeichnung = art == Terminart::Aufzeichnung;
+    const std::string text = (aufzeichnung ? "Diese Aufzeichnung wird über die Favoritenliste im "
+                                           : "Dieser Termin wird über die Favoritenliste im ") +
+                             bestand_.werte().hauptanwendungTitel +
+                             " gesteuert.\r\nMöchten Sie jetzt dorthin wechseln ?";
+    if (fragen(text, meldungsstil::kJaNeinInformation, aufzeichnung ? "Aufzeichnung" : "Termin"))
+        hauptanwendung_.StartMainApplication("ShowFavoritenliste");
+}
+
+// False also when the program was told to end meanwhile.
+bool FormWendel::fragen(const std::string& text, int stil, const std::string& titel) {
+    const Laufend laufend(frageOffen_);
+    return ports_.meldungen.meldung(text, stil, titel) == Antwort::Ja && !beendet_;
+}
+
+void FormWendel::KurzZeitWeckerAktivieren(std::int16_t minuten) {
+    auto termin = std::make_shared<cTermin>();
+    termin->WeckZeit = DateAdd(Einheit::Minute, std::max<std::int16_t>(minuten, 0), ports_.uhr.jetzt());
+    termin->WeckText = kKurzzeittext;
+    termin->Aktiv = true;
+    bestand_.termine().anhaengen(termin);
     Ausfüllen();
-    static_cast<void>(bestand_.speichernWennNoetig());
     TaskBarIconAktualisieren();
 }
+
+void FormWendel::terminHinzufuegen(const TerminZeiger& termin) {
+    bestand_.termine().anhaengen(termin);
+    nachTerminaenderung();
+}
+
+// Shown once more after the storing, which takes over what others have changed.
+void FormWendel::nachTerminaenderung() {
+    Ausfüllen();
+    static_cast<void>(bestand_.speichernWennNoetig());
+    Ausfüllen();
+    TaskBarIconAktualisieren();
+    speicherfehlerZuMelden_ = !bestand_.termine().speicherfehler().empty() && !speicherfehlerGemeldet_;
+    if (speicherfehlerZuMelden_ && !wuerdeAufhalten()) speicherfehlerMelden();
+}
+
+void FormWendel::speicherfehlerMelden() {
+    speicherfehlerZuMelden_ = false;
+    speicherfehlerGemeldet_ = true;
+    const Laufend laufend(frageOffen_);
+    ports_.meldungen.meldung("Die Termine konnten nicht gespeichert werden:\r\n" +
+                                 bestand_.termine().speicherfehler() +
+                                 "\r\nDas Speichern wird jede Minute erneut versucht.",
+                             meldungsstil::kAusrufezeichen, "Termine");
+}
+
+// ---- the way out ----
 
 void FormWendel::ExitProgram() {
     if (beendet_) return;

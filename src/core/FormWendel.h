@@ -20,6 +20,7 @@ namespace wendel {
 
 class Datenbestand;
 class FormHinweis;
+class FormTermin;
 class ModulInterneKommunikation;
 
 // Mouse message that the icon sends in the second parameter of kIconNachricht.
@@ -28,7 +29,7 @@ inline constexpr std::uint32_t kMausLinksDoppelklick = 515;
 class FormWendel {
   public:
     // All arguments outlive the form.
-    FormWendel(const Ports& ports, Datenbestand& bestand, FormHinweis& hinweis,
+    FormWendel(const Ports& ports, Datenbestand& bestand, FormHinweis& hinweis, FormTermin& termin,
                ModulInterneKommunikation& hauptanwendung, FormWendelView& view);
 
     // --- what other programs and the system send ---
@@ -46,8 +47,39 @@ class FormWendel {
 
     void fensterSchliessen();  // close box: hides, the program stays
     void cmdAusblenden_Click();
-    void mnuBeenden_Click();
     void zeileGewaehlt(std::optional<std::size_t> zeile);  // from 0
+    void ListViewTermineListe_Click();
+    void ListViewTermineListe_DblClick();
+    // Character 13 (Enter) edits, key 46 (Delete) deletes. True when the key was taken.
+    bool ListViewTermineListe_KeyPress(int zeichencode);
+    bool ListViewTermineListe_KeyDown(int tastencode);
+    // Button 2, the right one, asks for the popup menu; so does the keyboard's menu key.
+    void ListViewTermineListe_MouseUp(int knopf);
+    void mnuNeuTermin_Click();
+    void mnuEditieren_Click();
+    void mnuLöschen_Click();
+    void mnuBeenden_Click();
+    void LabelAnzLiveUpdateEinstellungenStartLink_Click();
+
+    // --- the user's appointments ---
+
+    // Of the selected row, from 1; 0 when there is none.
+    std::int32_t GetSelektierterIndex() const;
+    // Each opens the editor or asks its question and comes back when that is answered; timers and control
+    // lines run meanwhile. While the editor is open they only bring it to the front. While something else is
+    // under way that would have to wait for the answer (a tick in a long action, an access to the database,
+    // the start, another question), the last one asked for is put off until that has ended.
+    void TerminNeu();
+    void TerminBearbeiten();
+    void TerminLoeschen();
+    // A short-time alarm in so many minutes; below 0 counts as 0. Stored with the next minute.
+    void KurzZeitWeckerAktivieren(std::int16_t minuten);
+    // To be called by the view, from its event loop: does what was put off, or keeps it if it still has to.
+    void VorgemerktesAusfuehren();
+    // To be called after each tick: has the view call the above if something was put off and can be done now.
+    void vorgemerktesAnstossen();
+    // From here on the timer ticks and a modal window silences nothing.
+    void setzeBereit() { bereit_ = true; }
 
     // --- operations of the program ---
 
@@ -82,22 +114,41 @@ class FormWendel {
     void setzeGeladen() { geladen_ = true; }
 
   private:
+    enum class Aktion { Neu, Bearbeiten, Loeschen };
+
     void terminupdate();
     void refreshKonfig();
     void konfigNeuLesen();
+    void createTermin();
     void zeilenZeigen(std::vector<Terminzeile> zeilen, Terminliste termine);
+    void menuezustandZeigen();
+    void speicherstandZeigen();
+    void liveUpdateZeigen();
+    TerminZeiger nachbar() const;
+    bool aktionMoeglich(Aktion aktion);
+    bool wuerdeAufhalten() const;
+    bool fragen(const std::string& text, int stil, const std::string& titel);
+    void wechselAnbieten(Terminart art);
+    void nachTerminaenderung();
+    void speicherfehlerMelden();
     void iconDoppelklick();
     IconDatensatz datensatz(std::string_view tipp);
 
     const Ports& ports_;
     Datenbestand& bestand_;
     FormHinweis& hinweis_;
+    FormTermin& termin_;
     ModulInterneKommunikation& hauptanwendung_;
     FormWendelView& view_;
 
     std::vector<Terminzeile> zeilen_;
     Terminliste zeilentermine_;
+    // The selected row and its record, which may have left the list until the next Ausfüllen.
     std::optional<std::size_t> auswahl_;
+    TerminZeiger auswahltermin_;
+    std::optional<bool> menuezustand_;
+    std::string statustext_;
+    std::optional<Aktion> vorgemerkt_;
     std::optional<std::string> liveUpdateText_;
     std::optional<IconDatensatz> icon_;
     bool mausreaktion_ = false;
@@ -106,6 +157,10 @@ class FormWendel {
     bool beschaeftigt_ = false;
     bool konfigLaeuft_ = false;
     bool konfigVeraltet_ = false;
+    bool bereit_ = false;
+    bool frageOffen_ = false;
+    bool speicherfehlerGemeldet_ = false;
+    bool speicherfehlerZuMelden_ = false;
 };
 
 }  // namespace wendel

@@ -30,7 +30,7 @@ Hinweis Hinweisausgabe::feuern(const Terminliste& faellige, Datum jetzt) {
     static_cast<void>(bestand_.journal().eintragen(faellige, jetzt));
     for (const TerminZeiger& termin : faellige) {
         nachFeuernWeiterstellen(*termin, jetzt);
-        if (termin->Art == Terminart::Eigener) bestand_.termineGeaendert();
+        if (termin->Art == Terminart::Eigener) bestand_.termine().geaendert();
     }
     return hinweis;
 }

@@ -80,7 +80,7 @@ void Start::formEinrichten() {
     bestand_.einstellungenLesen();
     bestand_.journal().lesen();
     // Before the first notice: its answer may store the appointments, and must not store them without these.
-    mitFehlerfalle([this] { bestand_.termineLaden(); });
+    mitFehlerfalle([this] { bestand_.termine().laden(); });
     form_.setzeGeladen();
     // Before anything that may wait for the user or the database: a notice that a crash took from the screen
     // is back at once.
@@ -93,7 +93,8 @@ void Start::datenLaden() {
     mitFehlerfalle([this] { bestand_.senderLaden(); });
     mitFehlerfalle([this] { bestand_.markierungenPflegenUndAbfragen(); });
     mitFehlerfalle([this] {
-        nachholen(bestand_.eigene(), ports_.uhr.jetzt());
+        bestand_.termine().nachholen();
+        static_cast<void>(bestand_.speichernWennNoetig());
         form_.Ausfüllen();
     });
 }
@@ -105,6 +106,7 @@ void Start::formZeigen() {
     if (!schalter("/m")) form_.zeigen();
     werte_.hilfedatei = werte_.programmordner + "fennow.hlp";
     form_.TaskBarIconAktualisieren();
+    if (schalter("/createtermin")) form_.TerminNeu();
 }
 
 // A cancelled database box leaves that data empty; icon and timer come all the same, as the user's own

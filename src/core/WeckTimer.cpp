@@ -65,7 +65,7 @@ void WeckTimer::schritte(Datum jetzt) {
     const bool luecke = istLuecke(wachBis_, jetzt);
     const bool minutenwechsel = neueMinute(letzterTick_, jetzt);
     letzterTick_ = wachBis_ = jetzt;
-    if (minutenwechsel) minutenlauf(jetzt);
+    if (minutenwechsel) minutenlauf();
     if (luecke) bestand_.verpassteVormerken();
     Terminliste faellige;
     sammleFaellige(bestand_.eigene(), jetzt, faellige);
@@ -80,9 +80,9 @@ void WeckTimer::schritte(Datum jetzt) {
     if (!form_.beendet()) nachzueglerHinweisen();
 }
 
-void WeckTimer::minutenlauf(Datum jetzt) {
-    nachholen(bestand_.eigene(), jetzt);
-    // Appointments whose last storing failed; a failure is tried again in a minute.
+void WeckTimer::minutenlauf() {
+    bestand_.termine().nachholen();
+    // Short-time alarms and appointments whose last storing failed; a failure is tried again in a minute.
     static_cast<void>(bestand_.speichernWennNoetig());
     auffrischen();
 }
@@ -96,6 +96,8 @@ void WeckTimer::hinweisenUndNachlesen(const Terminliste& faellige, Datum jetzt) 
     static_cast<void>(bestand_.speichernWennNoetig());
     // What follows blocks for as long as the database is busy: the notice is on the screen before.
     if (!warten(kZeichenzeitMs)) return;
+    // The machine slept meanwhile: for this query what others have marked since may be past already.
+    if (istLuecke(jetzt, ports_.uhr.jetzt())) bestand_.verpassteVormerken();
     bestand_.markierungenPflegenUndAbfragen();
     auffrischen();
 }

@@ -27,7 +27,7 @@ class WeckTimer {
 
   private:
     void schritte(Datum jetzt);
-    void minutenlauf(Datum jetzt);
+    void minutenlauf();
     void hinweisenUndNachlesen(const Terminliste& faellige, Datum jetzt);
     void nachzueglerHinweisen();
     bool warten(int dauerMs);

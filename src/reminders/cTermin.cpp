@@ -29,17 +29,15 @@ Datum weitergestellt(Datum weckZeit, std::int16_t intervallwert, Datum grenze) {
     return neu;
 }
 
-void einmaligenWiederbeleben(cTermin& termin, Datum jetzt) {
-    if (jetzt < termin.WeckZeit && termin.GefeuertFuer != termin.WeckZeit) termin.Aktiv = true;
-}
-
 }  // namespace
 
 bool istKurzzeiterinnerung(const cTermin& termin) { return LCase(termin.WeckText) == LCase(kKurzzeittext); }
 
-bool wiederholtSich(const cTermin& termin) {
-    return termin.Intervall >= intervall::kTaeglich && termin.Intervall <= intervall::kWoechentlich;
+bool wiederholtSich(std::int16_t intervallwert) {
+    return intervallwert >= intervall::kTaeglich && intervallwert <= intervall::kWoechentlich;
 }
+
+bool wiederholtSich(const cTermin& termin) { return wiederholtSich(termin.Intervall); }
 
 bool istFaellig(const cTermin& termin, Datum jetzt) { return termin.Aktiv && termin.WeckZeit <= jetzt; }
 
@@ -61,18 +59,21 @@ void nachFeuernWeiterstellen(cTermin& termin, Datum jetzt) {
     termin.GefeuertFuer = termin.WeckZeit;
 }
 
-void nachholen(cTermin& termin, Datum jetzt) {
-    if (termin.Aktiv) return;
+bool nachholen(cTermin& termin, Datum jetzt) {
+    if (termin.Aktiv) return false;
     if (!wiederholtSich(termin)) {
-        einmaligenWiederbeleben(termin, jetzt);
+        termin.Aktiv = jetzt < termin.WeckZeit && termin.GefeuertFuer != termin.WeckZeit;
     } else if (termin.WeckZeit < jetzt) {
         termin.WeckZeit = weitergestellt(termin.WeckZeit, termin.Intervall, jetzt);
     }
+    return termin.Aktiv;
 }
 
-void nachholen(const Terminliste& termine, Datum jetzt) {
+bool nachholen(const Terminliste& termine, Datum jetzt) {
+    bool aktiviert = false;
     for (const TerminZeiger& termin : termine)
-        nachholen(*termin, jetzt);
+        aktiviert |= nachholen(*termin, jetzt);
+    return aktiviert;
 }
 
 std::string hinweiszeilen(const cTermin& termin) {

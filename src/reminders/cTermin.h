@@ -53,6 +53,7 @@ using TerminZeiger = std::shared_ptr<cTermin>;
 using Terminliste = std::vector<TerminZeiger>;
 
 bool istKurzzeiterinnerung(const cTermin& termin);
+bool wiederholtSich(std::int16_t intervallwert);
 bool wiederholtSich(const cTermin& termin);
 
 // Active, and its moment has come.
@@ -67,9 +68,10 @@ void nachFeuernWeiterstellen(cTermin& termin, Datum jetzt);
 
 // The once-a-minute catch-up of one entry. Looks at inactive ones only: a one-time entry whose moment still
 // lies ahead becomes active again (the user gave it a new time) unless it has fired for that very moment; a
-// repeating one is moved on until its moment is not before jetzt and stays inactive.
-void nachholen(cTermin& termin, Datum jetzt);
-void nachholen(const Terminliste& termine, Datum jetzt);
+// repeating one is moved on until its moment is not before jetzt and stays inactive. True when an entry
+// became active: to be stored, or one whose moment passes while the program is off would never be shown.
+bool nachholen(cTermin& termin, Datum jetzt);
+[[nodiscard]] bool nachholen(const Terminliste& termine, Datum jetzt);
 
 // The lines of one entry in a notice, each ended by CR LF; a short-time alarm has the first line only.
 std::string hinweiszeilen(const cTermin& termin);

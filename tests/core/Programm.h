@@ -2,15 +2,18 @@
 // The whole logic on fakes: a programme folder in memory, a TV database that answers the program's statements
 // from plain rows, views that remember what they show. A test moves the clock and looks at the notice.
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "core/Anwendung.h"
 #include "core/FormWendel.h"
 #include "core/FormWendelView.h"
 #include "reminders/FormHinweis.h"
+#include "reminders/FormTermin.h"
 #include "support/Fakes.h"
 #include "tvdb/Einstellungen.h"
 #include "tvdb/Einstellungstabelle.h"
@@ -34,15 +37,24 @@ class FakeWendelView : public FormWendelView {
     bool gezeigt = false, geladen = true;
     int nachVornGeholt = 0, zeilenGesetzt = 0;
     std::vector<Terminzeile> zeilen;
+    std::optional<std::size_t> auswahl;
+    std::optional<bool> zeileGewaehlt;  // enabled state of the popup's entries
+    std::vector<bool> popups;           // each with its default item or not
+    std::string liveUpdateText, status;
+    bool rufOffen = false;  // VorgemerktesAusfuehren was asked for
 
     Fensterhandle hwnd() override { return kFenster; }
     void zeigen() override { gezeigt = true, aufrufe_.zeilen.push_back("FormWendel.zeigen"); }
     void verstecken() override { gezeigt = false; }
     void nachVorn() override { ++nachVornGeholt; }
-    void setzeZeilen(const std::vector<Terminzeile>& neu, std::optional<std::size_t>) override {
-        zeilen = neu, ++zeilenGesetzt;
+    void setzeZeilen(const std::vector<Terminzeile>& neu, std::optional<std::size_t> zeile) override {
+        zeilen = neu, auswahl = zeile, ++zeilenGesetzt;
     }
-    void setzeLiveUpdateEinstellungen(const std::string&) override {}
+    void setzeMenuezustand(bool gewaehlt) override { zeileGewaehlt = gewaehlt; }
+    void zeigePopupTerminliste(bool editieren) override { popups.push_back(editieren); }
+    void setzeLiveUpdateEinstellungen(const std::string& text) override { liveUpdateText = text; }
+    void setzeStatustext(const std::string& text) override { status = text; }
+    void rufeVorgemerktesBald() override { rufOffen = true; }
     void entladen() override { geladen = false; }
 
   private:
@@ -75,6 +87,27 @@ class FakeHinweisView : public FormHinweisView {
 
   private:
     Aufrufe& aufrufe_;
+};
+
+// The editor's window. imDialog runs while it is open and plays the user: it types into eingabe_ and calls
+// cmdOK_Click or cmdCancel_Click of the form; without it the dialog is cancelled.
+class FakeTerminView : public FormTerminView {
+  public:
+    Termineingabe eingabe_;
+    bool gezeigt = false;
+    int nachVornGeholt = 0;
+    std::function<void()> imDialog;
+
+    void setzeEingabe(const Termineingabe& eingabe) override { eingabe_ = eingabe; }
+    Termineingabe eingabe() const override { return eingabe_; }
+    void zeigenModal(Terminfeld) override {
+        gezeigt = true;
+        if (imDialog) imDialog();
+        gezeigt = false;
+    }
+    void verbergen() override { gezeigt = false; }
+    void nachVorn() override { ++nachVornGeholt; }
+    void zumFeld(Terminfeld) override {}
 };
 
 // Rows of the table Markierungen, as far as the program reads them.
@@ -149,6 +182,7 @@ class Programm {
     FakeTvDaten tvDaten;
     std::unique_ptr<FakeWendelView> fenster;
     std::unique_ptr<FakeHinweisView> hinweis;
+    std::unique_ptr<FakeTerminView> editor;
     std::unique_ptr<Anwendung> anwendung;
     bool ersteKopie = true;
 
@@ -157,8 +191,9 @@ class Programm {
         anwendung.reset();
         fenster = std::make_unique<FakeWendelView>(ports.aufrufe);
         hinweis = std::make_unique<FakeHinweisView>(ports.aufrufe);
+        editor = std::make_unique<FakeTerminView>();
         anwendung = std::make_unique<Anwendung>(
-            ports.ports(), *fenster, *hinweis,
+            ports.ports(), *fenster, *hinweis, *editor,
             Startumgebung{"wendel", befehlszeile, kTestordner, [this] { return ersteKopie; }});
         return anwendung->starten();
     }
@@ -170,6 +205,10 @@ class Programm {
     void sekunde() {
         ports.uhr.vor(1);
         anwendung->tick();
+    }
+    // What the window's event loop does between two events.
+    void ereignisse() {
+        if (std::exchange(fenster->rufOffen, false)) form().VorgemerktesAusfuehren();
     }
     // Ticks every second up to and including that moment.
     void bis(Datum ziel) {

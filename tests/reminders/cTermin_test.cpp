@@ -70,7 +70,7 @@ TEST(CatchUp, StepsInactiveEntriesOnAndWakesEditedOnes) {
         SCOPED_TRACE(fall.name);
         const TerminZeiger eintrag = termin(fall.weckZeit, fall.intervallwert, false);
         if (fall.gefeuertFuer) eintrag->GefeuertFuer = zeit(fall.gefeuertFuer);
-        nachholen(Terminliste{eintrag}, zeit(jetzt));
+        EXPECT_EQ(nachholen(Terminliste{eintrag}, zeit(jetzt)), fall.erwartetAktiv);
         EXPECT_EQ(eintrag->WeckZeit, zeit(fall.erwartet));
         EXPECT_EQ(eintrag->Aktiv, fall.erwartetAktiv);
     }
