@@ -15,9 +15,14 @@
 #include "desktop/Anzeigepruefung.h"
 #include "desktop/BusAutomation.h"
 #include "desktop/Desktopfenster.h"
+#include "desktop/DeutscheTexte.h"
 #include "desktop/Einzelinstanz.h"
 #include "desktop/EndeSignal.h"
+#include "desktop/Farbschema.h"
+#include "desktop/Fensterrolle.h"
+#include "desktop/Fenstersperre.h"
 #include "desktop/FormHinweisFenster.h"
+#include "desktop/FormTerminFenster.h"
 #include "desktop/FormWendelFenster.h"
 #include "desktop/LinuxDateistarter.h"
 #include "desktop/LinuxDateisystem.h"
@@ -93,13 +98,18 @@ class Programm {
           dienst_([this](const std::string& text) { anwendung_->DoThis(text); }),
           takt_(uhr_, [this] { anwendung_->tick(); }),
           versteckt_(InStr(LCase(zeile), "/m") > 0) {
-        meldungen_.setzeSperre([this](bool gesperrt) { wendelFenster_.setEnabled(!gesperrt); });
+        meldungen_.setzeSperre([this](bool gesperrt) {
+            listensperre_.setze(gesperrt);
+            editorsperre_.setze(gesperrt);
+        });
+        terminFenster_.setzeSperre([this](bool gesperrt) { listensperre_.setze(gesperrt); });
         uhr_.setzeNachrichten([] { QCoreApplication::processEvents(); });
         anwendung_ = std::make_unique<Anwendung>(
-            ports_, wendelFenster_, hinweisFenster_,
+            ports_, wendelFenster_, hinweisFenster_, terminFenster_,
             Startumgebung{"wendel", zeile, unterbau.programmordner, [this] { return einzigeKopie(); }});
         wendelFenster_.setzeForm(anwendung_->formWendel());
         hinweisFenster_.setzeForm(anwendung_->formHinweis());
+        terminFenster_.setzeForm(anwendung_->formTermin());
         symbol_.setzeFensterprozedur(
             [this](std::uint32_t nachricht, std::uintptr_t kennung, std::uintptr_t maus) {
                 anwendung_->fensterNachricht(nachricht, kennung, maus);
@@ -146,6 +156,9 @@ class Programm {
     Ports ports_;
     FormWendelFenster wendelFenster_{qtText(konfigurationsordner() + "/wendel/fenster.ini")};
     FormHinweisFenster hinweisFenster_;
+    FormTerminFenster terminFenster_{wendelFenster_};
+    Fenstersperre listensperre_{wendelFenster_, [this] { terminFenster_.nachVorn(); }};
+    Fenstersperre editorsperre_{terminFenster_, [this] { terminFenster_.nachVorn(); }};
     std::unique_ptr<Anwendung> anwendung_;
     WendelOpen dienst_;
     Sekundentakt takt_;
@@ -173,6 +186,10 @@ int starte(int argc, char** argv) {
     // Nothing here is drawn by OpenGL; its libraries would be the larger part of the resident memory.
     if (qEnvironmentVariableIsEmpty("QT_XCB_GL_INTEGRATION")) qputenv("QT_XCB_GL_INTEGRATION", "none");
     QApplication anwendung(argc, argv);
+    DeutscheTexte texte;
+    QCoreApplication::installTranslator(&texte);
+    const Farbschema farben;
+    Fensterrolle::bekanntmachen();
     // What panels show as the title of the icon. Not the display name: Qt would add it to every window title,
     // by which other programs find us.
     QCoreApplication::setApplicationName(QStringLiteral("Lomrick"));

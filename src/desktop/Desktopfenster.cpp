@@ -4,6 +4,7 @@
 #include <QCursor>
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
+#include <QDialog>
 #include <QScreen>
 #include <QWidget>
 
@@ -20,8 +21,10 @@ QWidget* eigenes(Fensterhandle fenster) {
     return nullptr;
 }
 
-bool fremdesFensterAktiv(Fensterhandle eigenesFenster) {
-    if (QApplication::activeWindow() != nullptr) return false;
+// In another program's window, or in a dialog of our own: what is typed there must not answer a notice.
+bool wirdAnderswoGetippt(Fensterhandle eigenesFenster) {
+    if (const QWidget* aktives = QApplication::activeWindow())
+        return qobject_cast<const QDialog*>(aktives) != nullptr;
     const auto x11 = X11::verbindung();
     if (!x11) return true;  // not to be seen: better no activation than a stolen key
     const xcb_window_t aktiv = x11->aktivesFenster();
@@ -64,7 +67,7 @@ void Desktopfenster::eingabeVerbinden(std::uint64_t, std::uint64_t, bool) {}
 bool Desktopfenster::vordergrundSetzen(Fensterhandle fenster) {
     QWidget* widget = eigenes(fenster);
     if (widget == nullptr) return false;
-    if (widget->testAttribute(Qt::WA_ShowWithoutActivating) && fremdesFensterAktiv(fenster)) {
+    if (widget->testAttribute(Qt::WA_ShowWithoutActivating) && wirdAnderswoGetippt(fenster)) {
         widget->raise();
         QApplication::alert(widget);
         return false;

@@ -15,9 +15,9 @@ class Desktopfenster final : public Fenstersystem {
     // Input queues are nothing that a Linux desktop ties together: does nothing.
     void eingabeVerbinden(std::uint64_t vonThread, std::uint64_t zuThread, bool verbinden) override;
 
-    // An own window that opens by itself (Qt::WA_ShowWithoutActivating) is activated only while no other
-    // program's window is active; else it is raised and asks for attention. Windows that the user opened are
-    // activated in any case.
+    // An own window that opens by itself (Qt::WA_ShowWithoutActivating) is activated only while neither
+    // another program's window nor a dialog of our own is active; else it is raised and asks for attention.
+    // Windows that the user opened are activated in any case.
     bool vordergrundSetzen(Fensterhandle fenster) override;
     bool istMinimiert(Fensterhandle fenster) override;
     void wiederherstellen(Fensterhandle fenster) override;

@@ -3,118 +3,61 @@
 #include <QAction>
 #include <QCloseEvent>
 #include <QCoreApplication>
+#include <QGuiApplication>
 #include <QHBoxLayout>
-#include <QHeaderView>
-#include <QHelpEvent>
 #include <QKeyEvent>
 #include <QLabel>
-#include <QPainter>
-#include <QProxyStyle>
 #include <QPushButton>
 #include <QScreen>
-#include <QScrollBar>
 #include <QSettings>
-#include <QSignalBlocker>
-#include <QStyledItemDelegate>
-#include <QToolTip>
-#include <QTreeWidget>
 #include <QVBoxLayout>
 #include <QWindow>
 #include <algorithm>
 #include <utility>
 
 #include "core/FormWendel.h"
+#include "desktop/Linkschalter.h"
 #include "desktop/QtText.h"
+#include "desktop/Schrift.h"
+#include "desktop/Statuszeile.h"
 #include "desktop/Symbole.h"
+#include "desktop/TermineListView.h"
 #include "desktop/X11.h"
 
 namespace wendel {
 namespace {
 
-enum Spalte { kZeit, kText, kRest, kSpalten };
-
-// Device-independent pixels.
-constexpr int kZeilenhoehe = 30;
-constexpr int kLuft = 9;  // between a text and the edge of its cell
-constexpr int kHoehe = 460;
-
 const QString kLage = QStringLiteral("FormWendel/Lage");
+// A moved window is stored when it has come to rest.
+constexpr int kLagezeitMs = 1500;
 
-// A row that fits into the window as it opens for the first time.
+// A row that fits into the window as it opens for the first time, in rows of which there are as many.
 const QString kMusterzeile = QStringLiteral(
-    "24.12.12 20:15 20:10 Das Übermorgen-Magazin (KABEL) (Aufzeichnung 19:35 bis 20:20) Restzeit");
-constexpr int kNebenDenTexten = 130;  // icon, margins, scroll bar
+    "24.12.12 20:15 20:10 Das Übermorgen-Magazin (KABEL) (Aufzeichnung 19:35 bis 20:20) 88888 Tage");
+constexpr int kMusterzeilen = 20;
 
-// The desktop's style, but with air beside the texts of header and rows: most styles set them at the very
-// edge.
-class Listenstil final : public QProxyStyle {
-  public:
-    int pixelMetric(PixelMetric mass, const QStyleOption* option, const QWidget* widget) const override {
-        const int wert = QProxyStyle::pixelMetric(mass, option, widget);
-        return mass == PM_FocusFrameHMargin ? std::max(wert, kLuft - 1) : wert;
-    }
-    void drawControl(ControlElement element, const QStyleOption* option, QPainter* maler,
-                     const QWidget* widget) const override {
-        const auto* kopf = qstyleoption_cast<const QStyleOptionHeader*>(option);
-        if (element != CE_HeaderLabel || kopf == nullptr) {
-            QProxyStyle::drawControl(element, option, maler, widget);
-            return;
-        }
-        QStyleOptionHeader eingerueckt = *kopf;
-        eingerueckt.rect.adjust(kLuft - 2, 0, 2 - kLuft, 0);  // 2 is what styles leave by themselves
-        QProxyStyle::drawControl(element, &eingerueckt, maler, widget);
-    }
-    QSize sizeFromContents(ContentsType art, const QStyleOption* option, const QSize& inhalt,
-                           const QWidget* widget) const override {
-        const QSize groesse = QProxyStyle::sizeFromContents(art, option, inhalt, widget);
-        return art == CT_HeaderSection ? groesse + QSize(2 * (kLuft - 2), 0) : groesse;
-    }
-};
+// The proportions of the picture in the corner.
+constexpr QSize kBanner(96, 40);
 
-// A list without rows says so instead of looking broken.
-class TermineListView final : public QTreeWidget {
-  public:
-    using QTreeWidget::QTreeWidget;
+const QString kHinweisNeu = QStringLiteral("Neuer Termin: Rechtsklick oder Einfg");
+const QString kHinweisEigener =
+    QStringLiteral("Bearbeiten: Doppelklick oder Eingabe   ·   Löschen: Entf   ·   Neuer Termin: Einfg");
+const QString kHinweisFavoriten =
+    QStringLiteral("Ändern in der Favoritenliste: Doppelklick oder Eingabe   ·   Neuer Termin: Einfg");
 
-  protected:
-    void paintEvent(QPaintEvent* ereignis) override {
-        QTreeWidget::paintEvent(ereignis);
-        if (topLevelItemCount() > 0) return;
-        QPainter maler(viewport());
-        maler.setPen(palette().color(QPalette::PlaceholderText));
-        maler.drawText(viewport()->rect(), Qt::AlignCenter, QStringLiteral("Keine Termine vorgemerkt"));
-    }
-};
+// At least so much of a window must be on a screen to be found and moved.
+constexpr QSize kSichtbar(160, 60);
 
-// Rows with air between them; a broadcast's text of several lines stays one row. What does not fit is told by
-// a tooltip.
-class Zeilenmaler final : public QStyledItemDelegate {
-  public:
-    using QStyledItemDelegate::QStyledItemDelegate;
-    QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override {
-        const QSize groesse = QStyledItemDelegate::sizeHint(option, index);
-        return {groesse.width(), std::max(groesse.height() + 8, kZeilenhoehe)};
-    }
-    bool helpEvent(QHelpEvent* ereignis, QAbstractItemView* liste, const QStyleOptionViewItem& option,
-                   const QModelIndex& index) override {
-        if (ereignis->type() != QEvent::ToolTip)
-            return QStyledItemDelegate::helpEvent(ereignis, liste, option, index);
-        const bool abgeschnitten = sizeHint(option, index).width() > liste->visualRect(index).width();
-        QToolTip::showText(ereignis->globalPos(), abgeschnitten ? hinweistext(index) : QString(), liste);
-        return true;
-    }
-
-  private:
-    // As markup, since only that is wrapped; nothing in the text itself is.
-    static QString hinweistext(const QModelIndex& index) {
-        QString text = index.data(Qt::ToolTipRole).toString().toHtmlEscaped();
-        return QStringLiteral("<p>%1</p>").arg(text.replace(u'\n', QStringLiteral("<br>")));
-    }
-};
-
-QString einzeilig(const std::string& text) {
-    QString zeile = qtZeilen(text);
-    return zeile.replace(u'\n', u' ');
+// The place of a window that was on a screen which is no longer there, or which has shrunk.
+QRect imBild(QRect fenster, const QRect& frei) {
+    const QRect zuSehen = fenster & frei;
+    const bool oben = fenster.top() >= frei.top();  // the title, by which it is moved
+    if (oben && zuSehen.width() >= kSichtbar.width() && zuSehen.height() >= kSichtbar.height())
+        return fenster;
+    fenster.setSize(fenster.size().boundedTo(frei.size()));
+    fenster.moveLeft(std::clamp(fenster.left(), frei.left(), frei.right() + 1 - fenster.width()));
+    fenster.moveTop(std::clamp(fenster.top(), frei.top(), frei.bottom() + 1 - fenster.height()));
+    return fenster;
 }
 
 }  // namespace
@@ -124,68 +67,63 @@ FormWendelFenster::FormWendelFenster(QString merkdatei) : merkdatei_(std::move(m
     setWindowTitle(QStringLiteral("Lomrick"));
     setAccessibleName(windowTitle());
     setWindowIcon(Symbole::symbol("wendel"));
-    QFont font(QStringList{QStringLiteral("Verdana"), QStringLiteral("DejaVu Sans")});
-    font.setPointSizeF(9.5);
-    setFont(font);
+    setFont(schrift(9.5));
 
-    baueListe();
+    listViewTermineListe_ = new TermineListView(this);
+    statuszeile_ = new Statuszeile(this);
     baueMenue();
+    auto* trennung = new QFrame(this);
+    trennung->setFrameStyle(QFrame::HLine | QFrame::Sunken);
     auto* aufbau = new QVBoxLayout(this);
     aufbau->setContentsMargins(0, 0, 0, 0);
     aufbau->setSpacing(0);
     aufbau->addWidget(listViewTermineListe_, 1);
+    aufbau->addWidget(trennung);
     aufbau->addWidget(baueFussleiste());
+    aufbau->addWidget(statuszeile_);
+    connect(listViewTermineListe_->selectionModel(), &QItemSelectionModel::selectionChanged, this,
+            [this] { zeigeStatus(); });
+    zeigeStatus();
+
+    lagezeit_.setSingleShot(true);
+    lagezeit_.setInterval(kLagezeitMs);
+    connect(&lagezeit_, &QTimer::timeout, this, [this] { merkeLage(); });
     stelleHin();
 }
 
-void FormWendelFenster::stelleHin() {
-    const QSize frei = screen()->availableGeometry().size();
-    const int breite = fontMetrics().horizontalAdvance(kMusterzeile) + kNebenDenTexten;
-    resize(QSize(breite, kHoehe).boundedTo(frei * 0.9));
-    lage_ = QSettings(merkdatei_, QSettings::IniFormat).value(kLage).toByteArray();
+FormWendelFenster::~FormWendelFenster() {
+    if (isVisible()) merkeLage();
+    listViewTermineListe_->selectionModel()->disconnect(this);
 }
 
-void FormWendelFenster::baueListe() {
-    listViewTermineListe_ = new TermineListView(this);
-    auto& liste = *listViewTermineListe_;
-    liste.setObjectName(QStringLiteral("ListViewTermineListe"));
-    liste.setAccessibleName(QStringLiteral("Termine"));
-    liste.setColumnCount(kSpalten);
-    liste.setHeaderLabels({QStringLiteral("Zeit"), QStringLiteral("Termin"), QStringLiteral("Restzeit")});
-    liste.setItemDelegate(new Zeilenmaler(&liste));
-    auto* stil = new Listenstil;
-    stil->setParent(&liste);
-    liste.setStyle(stil);
-    liste.header()->setStyle(stil);
-    liste.setRootIsDecorated(false);
-    liste.setUniformRowHeights(true);
-    liste.setAlternatingRowColors(true);
-    liste.setAllColumnsShowFocus(true);
-    liste.setFrameShape(QFrame::NoFrame);
-    liste.setIconSize(QSize(20, 20));
-    liste.setTextElideMode(Qt::ElideRight);
-    liste.header()->setMinimumHeight(kZeilenhoehe);
-    liste.header()->setMinimumSectionSize(90);
-    liste.header()->setSectionsMovable(false);
-    liste.header()->setStretchLastSection(false);
-    liste.header()->setSectionResizeMode(kZeit, QHeaderView::ResizeToContents);
-    liste.header()->setSectionResizeMode(kText, QHeaderView::Stretch);
-    liste.header()->setSectionResizeMode(kRest, QHeaderView::ResizeToContents);
-    liste.headerItem()->setTextAlignment(kRest, Qt::AlignRight | Qt::AlignVCenter);
-    liste.setContextMenuPolicy(Qt::CustomContextMenu);
-    connect(&liste, &QTreeWidget::currentItemChanged, this, [this] { meldeAuswahl(); });
-    connect(&liste, &QTreeWidget::itemSelectionChanged, this, [this] { meldeAuswahl(); });
-    connect(&liste, &QTreeWidget::customContextMenuRequested, this, [this](const QPoint& stelle) {
-        popupTerminliste_.popup(listViewTermineListe_->viewport()->mapToGlobal(stelle));
-    });
+void FormWendelFenster::setzeForm(FormWendel& form) {
+    form_ = &form;
+    listViewTermineListe_->setzeForm(form);
 }
 
 void FormWendelFenster::baueMenue() {
     popupTerminliste_.setObjectName(QStringLiteral("PopupTerminliste"));
     popupTerminliste_.setAccessibleName(QStringLiteral("Terminliste"));
-    QAction* beenden = popupTerminliste_.addAction(QStringLiteral("&Beenden .."));
-    beenden->setObjectName(QStringLiteral("mnuBeenden"));
-    connect(beenden, &QAction::triggered, this, [this] { form_->mnuBeenden_Click(); });
+    const auto eintrag = [this](const char* name, const char* text, const QList<QKeySequence>& tasten,
+                                auto vorgang) {
+        QAction* aktion = popupTerminliste_.addAction(QString::fromUtf8(text));
+        aktion->setObjectName(QString::fromUtf8(name));
+        aktion->setShortcuts(tasten);
+        aktion->setShortcutVisibleInContextMenu(true);
+        connect(aktion, &QAction::triggered, this, vorgang);
+        return aktion;
+    };
+    mnuNeuTermin_ = eintrag("mnuNeuTermin", "&Neuer Termin ..", {Qt::Key_Insert, Qt::CTRL | Qt::Key_N},
+                            [this] { form_->mnuNeuTermin_Click(); });
+    mnuEditieren_ =
+        eintrag("mnuEditieren", "&Bearbeiten ..", {Qt::Key_Return}, [this] { form_->mnuEditieren_Click(); });
+    mnuLoeschen_ =
+        eintrag("mnuLöschen", "&Löschen ..", {Qt::Key_Delete}, [this] { form_->mnuLöschen_Click(); });
+    popupTerminliste_.addSeparator();
+    eintrag("mnuBeenden", "B&eenden ..", {}, [this] { form_->mnuBeenden_Click(); });
+    // The keys of the other two are the list's own: elsewhere in the window they mean other things.
+    addAction(mnuNeuTermin_);
+    setzeMenuezustand(false);
 }
 
 QWidget* FormWendelFenster::baueFussleiste() {
@@ -197,48 +135,62 @@ QWidget* FormWendelFenster::baueFussleiste() {
     pictureInfoBanner_ = new QLabel(flaeche);
     pictureInfoBanner_->setObjectName(QStringLiteral("PictureInfoBanner"));
     pictureInfoBanner_->setAccessibleName(QStringLiteral("Lomrick"));
-    pictureInfoBanner_->setPixmap(Symbole::bild("infobanner", devicePixelRatioF()));
+    zeigeBanner();
     aufbau->addWidget(pictureInfoBanner_);
 
+    auto* liveUpdate = new QVBoxLayout;
+    liveUpdate->setSpacing(2);
     labelAnzLiveUpdateEinstellungen_ = new QLabel(flaeche);
     labelAnzLiveUpdateEinstellungen_->setObjectName(QStringLiteral("LabelAnzLiveUpdateEinstellungen"));
     labelAnzLiveUpdateEinstellungen_->setTextFormat(Qt::PlainText);
     labelAnzLiveUpdateEinstellungen_->setWordWrap(true);
-    aufbau->addWidget(labelAnzLiveUpdateEinstellungen_, 1);
+    labelAnzLiveUpdateEinstellungen_->setContentsMargins(Linkschalter::kRand, 0, 0,
+                                                         0);  // in line with the link
+    labelAnzLiveUpdateEinstellungenStartLink_ =
+        new Linkschalter(QStringLiteral("&Einstellungen des Live-Updates ändern .."), flaeche);
+    labelAnzLiveUpdateEinstellungenStartLink_->setObjectName(
+        QStringLiteral("LabelAnzLiveUpdateEinstellungenStartLink"));
+    labelAnzLiveUpdateEinstellungenStartLink_->setAccessibleName(
+        QStringLiteral("Einstellungen des Live-Updates ändern"));
+    connect(labelAnzLiveUpdateEinstellungenStartLink_, &QPushButton::clicked, this,
+            [this] { form_->LabelAnzLiveUpdateEinstellungenStartLink_Click(); });
+    liveUpdate->addWidget(labelAnzLiveUpdateEinstellungen_);
+    liveUpdate->addWidget(labelAnzLiveUpdateEinstellungenStartLink_, 0, Qt::AlignLeft);
+    aufbau->addLayout(liveUpdate, 1);
 
     cmdAusblenden_ = new QPushButton(QStringLiteral("&Ausblenden"), flaeche);
     cmdAusblenden_->setObjectName(QStringLiteral("cmdAusblenden"));
     cmdAusblenden_->setAccessibleName(QStringLiteral("Ausblenden"));
-    cmdAusblenden_->setMinimumSize(112, 32);
+    cmdAusblenden_->setMinimumSize(fontMetrics().height() * 7, fontMetrics().height() * 2);
+    cmdAusblenden_->setAutoDefault(true);
     connect(cmdAusblenden_, &QPushButton::clicked, this, [this] { form_->cmdAusblenden_Click(); });
     aufbau->addWidget(cmdAusblenden_);
     return flaeche;
 }
 
-// A list that goes tells that its selection goes: nobody is left to hear it.
-FormWendelFenster::~FormWendelFenster() { listViewTermineListe_->disconnect(this); }
+// As large as two and a half lines, which a desktop may scale by the font alone, and as sharp as the screen.
+void FormWendelFenster::zeigeBanner() {
+    const QSize groesse = kBanner * std::max(1.0, fontMetrics().height() / 16.0);
+    pictureInfoBanner_->setPixmap(Symbole::symbol("infobanner").pixmap(groesse, devicePixelRatioF()));
+}
+
+// ---- what the form asks ----
 
 Fensterhandle FormWendelFenster::hwnd() { return winId(); }
 
 void FormWendelFenster::zeigen() {
     if (isMinimized()) {
-        showNormal();
+        setWindowState(windowState() & ~Qt::WindowMinimized);
         return;
     }
     if (!isVisible()) geheZurueck();
     show();
 }
 
-// A window that does not ask for its place is placed anew by the window manager each time it comes up. Qt
-// asks for it only where the program has set it, and be it to what it is.
-void FormWendelFenster::geheZurueck() {
-    if (restoreGeometry(lage_) && windowHandle() != nullptr) windowHandle()->setGeometry(geometry());
-}
-
 void FormWendelFenster::verstecken() { hide(); }
 
 void FormWendelFenster::nachVorn() {
-    if (isMinimized()) showNormal();
+    if (isMinimized()) setWindowState(windowState() & ~Qt::WindowMinimized);
     raise();
     activateWindow();
     if (const auto x11 = X11::verbindung()) x11->aktiviere(static_cast<xcb_window_t>(winId()));
@@ -246,33 +198,48 @@ void FormWendelFenster::nachVorn() {
 
 void FormWendelFenster::setzeZeilen(const std::vector<Terminzeile>& zeilen,
                                     std::optional<std::size_t> auswahl) {
-    QTreeWidget& liste = *listViewTermineListe_;
-    const QSignalBlocker still(&liste);  // only choices of the user are told
-    const int stelle = liste.verticalScrollBar()->value();
-    liste.clear();
-    QList<QTreeWidgetItem*> eintraege;
-    eintraege.reserve(static_cast<qsizetype>(zeilen.size()));
-    for (const Terminzeile& zeile : zeilen) {
-        auto* eintrag = new QTreeWidgetItem({qtText(zeile.zeit), einzeilig(zeile.text), qtText(zeile.rest)});
-        eintrag->setIcon(kZeit, Symbole::symbol(zeile.symbol));
-        eintrag->setTextAlignment(kRest, Qt::AlignRight | Qt::AlignVCenter);
-        eintrag->setToolTip(kText, qtZeilen(zeile.text));
-        if (zeile.rest.empty()) {  // switched off
-            for (int spalte = 0; spalte < kSpalten; ++spalte) {
-                eintrag->setForeground(spalte, palette().brush(QPalette::PlaceholderText));
-            }
-        }
-        eintraege.push_back(eintrag);
-    }
-    liste.addTopLevelItems(eintraege);
-    if (auswahl && *auswahl < zeilen.size())
-        liste.setCurrentItem(liste.topLevelItem(static_cast<int>(*auswahl)));
-    liste.verticalScrollBar()->setValue(stelle);
+    listViewTermineListe_->setzeZeilen(zeilen, auswahl);
+    zeigeStatus();
+}
+
+void FormWendelFenster::setzeMenuezustand(bool zeileGewaehlt) {
+    mnuEditieren_->setEnabled(zeileGewaehlt);
+    mnuLoeschen_->setEnabled(zeileGewaehlt);
+}
+
+void FormWendelFenster::zeigePopupTerminliste(bool editierenAlsVorgabe) {
+    popupTerminliste_.setDefaultAction(editierenAlsVorgabe ? mnuEditieren_ : nullptr);
+    popupTerminliste_.popup(listViewTermineListe_->menuestelle());
+    if (listViewTermineListe_->menueDurchTaste())
+        popupTerminliste_.setActiveAction(editierenAlsVorgabe ? mnuEditieren_ : mnuNeuTermin_);
 }
 
 void FormWendelFenster::setzeLiveUpdateEinstellungen(const std::string& text) {
     labelAnzLiveUpdateEinstellungen_->setText(qtZeilen(text));
     labelAnzLiveUpdateEinstellungen_->setAccessibleName(labelAnzLiveUpdateEinstellungen_->text());
+}
+
+void FormWendelFenster::setzeStatustext(const std::string& text) {
+    statustext_ = qtZeilen(text).replace(u'\n', u' ');
+    zeigeStatus();
+}
+
+// With nothing to report the status bar says what can be done here.
+void FormWendelFenster::zeigeStatus() {
+    if (!statustext_.isEmpty()) {
+        statuszeile_->melde(statustext_);
+        return;
+    }
+    const Terminzeile* zeile = listViewTermineListe_->gewaehlteZeile();
+    if (zeile == nullptr) {
+        statuszeile_->weiseHin(kHinweisNeu);
+    } else {
+        statuszeile_->weiseHin(zeile->symbol == "terminuhr2" ? kHinweisEigener : kHinweisFavoriten);
+    }
+}
+
+void FormWendelFenster::rufeVorgemerktesBald() {
+    QTimer::singleShot(0, this, [this] { form_->VorgemerktesAusfuehren(); });
 }
 
 void FormWendelFenster::entladen() {
@@ -281,27 +248,75 @@ void FormWendelFenster::entladen() {
     QCoreApplication::exit(0);
 }
 
-void FormWendelFenster::meldeAuswahl() {
-    const QList<QTreeWidgetItem*> gewaehlt = listViewTermineListe_->selectedItems();
-    std::optional<std::size_t> zeile;
-    if (!gewaehlt.isEmpty()) {
-        zeile = static_cast<std::size_t>(listViewTermineListe_->indexOfTopLevelItem(gewaehlt.front()));
-    }
-    form_->zeileGewaehlt(zeile);
+// ---- place and size ----
+
+void FormWendelFenster::stelleHin() {
+    const QSize frei = screen()->availableGeometry().size();
+    const int hoehe = fontMetrics().height();
+    const QSize groesse(fontMetrics().horizontalAdvance(kMusterzeile) + 9 * hoehe,
+                        kMusterzeilen * 3 * hoehe / 2);
+    resize(groesse.boundedTo(frei * 0.9));
+    lage_ = QSettings(merkdatei_, QSettings::IniFormat).value(kLage).toByteArray();
 }
+
+// A window that does not ask for its place is placed anew by the window manager each time it comes up. Qt
+// asks for it only where the program has set it, and be it to what it is.
+void FormWendelFenster::geheZurueck() {
+    if (!restoreGeometry(lage_) || isMaximized() || isFullScreen()) return;
+    setGeometry(imBild(geometry(), screen()->availableGeometry()));
+    if (windowHandle() != nullptr) windowHandle()->setGeometry(geometry());
+}
+
+void FormWendelFenster::merkeLage() {
+    lagezeit_.stop();
+    const QByteArray lage = saveGeometry();
+    if (lage == lage_) return;
+    lage_ = lage;
+    QSettings(merkdatei_, QSettings::IniFormat).setValue(kLage, lage_);
+}
+
+// Not only when the window is hidden: nobody tells a program that the power goes.
+void FormWendelFenster::merkeLageBald() {
+    if (isVisible()) lagezeit_.start();
+}
+
+// ---- events ----
 
 void FormWendelFenster::closeEvent(QCloseEvent* ereignis) {
     ereignis->ignore();
     form_->fensterSchliessen();
 }
 
+void FormWendelFenster::changeEvent(QEvent* ereignis) {
+    QWidget::changeEvent(ereignis);
+    if (ereignis->type() == QEvent::WindowStateChange) merkeLageBald();
+    // A question has come up: the menu would stay open beside it without a use.
+    if (ereignis->type() == QEvent::EnabledChange && !isEnabled()) popupTerminliste_.close();
+}
+
+bool FormWendelFenster::event(QEvent* ereignis) {
+    const bool erledigt = QWidget::event(ereignis);
+    if (ereignis->type() == QEvent::ScreenChangeInternal) zeigeBanner();
+    return erledigt;
+}
+
 // Hidden by the program or its user, not minimised.
 void FormWendelFenster::hideEvent(QHideEvent* ereignis) {
     if (!ereignis->spontaneous()) {
-        lage_ = saveGeometry();
-        QSettings(merkdatei_, QSettings::IniFormat).setValue(kLage, lage_);
+        popupTerminliste_.close();
+        merkeLage();
     }
     QWidget::hideEvent(ereignis);
+}
+
+void FormWendelFenster::moveEvent(QMoveEvent* ereignis) {
+    QWidget::moveEvent(ereignis);
+    merkeLageBald();
+}
+
+void FormWendelFenster::resizeEvent(QResizeEvent* ereignis) {
+    QWidget::resizeEvent(ereignis);
+    merkeLageBald();
 }
 
 void FormWendelFenster::keyPressEvent(QKeyEvent* ereignis) {

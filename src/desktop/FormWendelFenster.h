@@ -1,19 +1,22 @@
 #pragma once
-// The window of the main form: the list of entries with its popup menu. It shows what FormWendel says and
-// forwards what the user does; its close box hides it, since the program stays resident.
+// The window of the main form: the list of entries with its popup menu, the live-update line and a status
+// bar. It shows what FormWendel says and forwards what the user does; its close box hides it, since the
+// program stays resident. How the list itself behaves is TermineListView's business.
 
 #include <QMenu>
+#include <QTimer>
 #include <QWidget>
 
 #include "core/FormWendelView.h"
 
 class QLabel;
 class QPushButton;
-class QTreeWidget;
 
 namespace wendel {
 
 class FormWendel;
+class Statuszeile;
+class TermineListView;
 
 class FormWendelFenster final : public QWidget, public FormWendelView {
   public:
@@ -24,37 +27,54 @@ class FormWendelFenster final : public QWidget, public FormWendelView {
     FormWendelFenster& operator=(const FormWendelFenster&) = delete;
 
     // Whom the user's actions go to; must be set before the window is shown and outlive it.
-    void setzeForm(FormWendel& form) { form_ = &form; }
+    void setzeForm(FormWendel& form);
 
     Fensterhandle hwnd() override;
     void zeigen() override;
     void verstecken() override;
     void nachVorn() override;
     void setzeZeilen(const std::vector<Terminzeile>& zeilen, std::optional<std::size_t> auswahl) override;
+    void setzeMenuezustand(bool zeileGewaehlt) override;
+    void zeigePopupTerminliste(bool editierenAlsVorgabe) override;
     void setzeLiveUpdateEinstellungen(const std::string& text) override;
+    void setzeStatustext(const std::string& text) override;
+    void rufeVorgemerktesBald() override;
     void entladen() override;
 
   protected:
+    void changeEvent(QEvent* ereignis) override;
     void closeEvent(QCloseEvent* ereignis) override;
+    bool event(QEvent* ereignis) override;
     void hideEvent(QHideEvent* ereignis) override;
     void keyPressEvent(QKeyEvent* ereignis) override;
+    void moveEvent(QMoveEvent* ereignis) override;
+    void resizeEvent(QResizeEvent* ereignis) override;
 
   private:
     void stelleHin();
     void geheZurueck();
-    void baueListe();
+    void merkeLage();
+    void merkeLageBald();
     void baueMenue();
     QWidget* baueFussleiste();
-    void meldeAuswahl();
+    void zeigeBanner();
+    void zeigeStatus();
 
     QString merkdatei_;
     QByteArray lage_;
+    QTimer lagezeit_;
+    QString statustext_;
     FormWendel* form_ = nullptr;
-    QTreeWidget* listViewTermineListe_;
-    QLabel* labelAnzLiveUpdateEinstellungen_;
+    TermineListView* listViewTermineListe_;
     QLabel* pictureInfoBanner_;
+    QLabel* labelAnzLiveUpdateEinstellungen_;
+    QPushButton* labelAnzLiveUpdateEinstellungenStartLink_;
     QPushButton* cmdAusblenden_;
+    Statuszeile* statuszeile_;
     QMenu popupTerminliste_{this};
+    QAction* mnuNeuTermin_;
+    QAction* mnuEditieren_;
+    QAction* mnuLoeschen_;
 };
 
 }  // namespace wendel

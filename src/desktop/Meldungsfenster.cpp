@@ -1,6 +1,7 @@
 #include "desktop/Meldungsfenster.h"
 
 #include <QApplication>
+#include <QLabel>
 #include <QPushButton>
 #include <vector>
 
@@ -47,6 +48,15 @@ QMessageBox::Icon symbol(int stil) {
     }
 }
 
+QString symbolname(QMessageBox::Icon symbol) {
+    switch (symbol) {
+        case QMessageBox::Critical: return QStringLiteral("Fehler");
+        case QMessageBox::Question: return QStringLiteral("Frage");
+        case QMessageBox::Warning: return QStringLiteral("Warnung");
+        default: return QStringLiteral("Information");
+    }
+}
+
 const char* objektname(Antwort antwort) {
     switch (antwort) {
         case Antwort::Ok: return "cmdOK";
@@ -67,6 +77,8 @@ void beschrifte(QMessageBox& box, const QString& titel, const QString& text) {
     box.setWindowTitle(titel);
     box.setText(text);
     box.setAccessibleName(titel);
+    auto* bild = box.findChild<QLabel*>(QStringLiteral("qt_msgboxex_icon_label"));
+    if (bild != nullptr) bild->setAccessibleName(symbolname(box.icon()));
     box.setWindowIcon(Symbole::symbol("wendel"));
 }
 
@@ -111,9 +123,9 @@ Antwort Meldungsfenster::meldung(const std::string& text, int stil, const std::s
 // too.
 void Meldungsfenster::frage(QMessageBox& box) {
     box.setWindowModality(Qt::WindowModal);
-    if (offeneFragen_++ == 0) sperre_(true);
+    sperre_(true);
     box.exec();
-    if (--offeneFragen_ == 0) sperre_(false);
+    sperre_(false);
 }
 
 void Meldungsfenster::zeigeFehlerOhneWarten(const std::string& text, int nummer, const std::string& quelle,

@@ -20,9 +20,9 @@ class Meldungsfenster final : public Meldungen {
     Meldungsfenster(const Meldungsfenster&) = delete;
     Meldungsfenster& operator=(const Meldungsfenster&) = delete;
 
-    // Called with true while at least one box waits for its answer: whoever owns windows that must not be
-    // used meanwhile disables them. Notices stay usable, or one that comes up in front of a box would lock
-    // the screen.
+    // Called with true when a box opens and with false when it has its answer, in pairs that may enclose each
+    // other: whoever owns windows that must not be used meanwhile locks them. Notices stay usable, or one
+    // that comes up in front of a box would lock the screen.
     void setzeSperre(std::function<void(bool)> sperre) { sperre_ = std::move(sperre); }
 
     // Runs an event loop of its own until the answer. When the program ends meanwhile, the answer is the one
@@ -37,7 +37,6 @@ class Meldungsfenster final : public Meldungen {
 
     Fenstersystem& fenster_;
     std::function<void(bool)> sperre_ = [](bool) {};
-    int offeneFragen_ = 0;
     QPointer<QMessageBox> fehlerfenster_;
 };
 

@@ -1,22 +1,23 @@
 #include "desktop/Symbole.h"
 
 #include <QFile>
+#include <QImageReader>
 
 #include "desktop/QtText.h"
 
 namespace wendel::Symbole {
 namespace {
 
-// Every size that the build may have drawn; a name has some of them.
-constexpr int kGroessen[] = {16, 22, 24, 32, 48, 64, 128};
+// Every height that the build may have drawn; a name has some of them.
+constexpr int kHoehen[] = {16, 20, 22, 24, 30, 32, 36, 40, 48, 60, 64, 72, 80, 96, 120, 128, 160};
 
 }  // namespace
 
 QIcon symbol(std::string_view name) {
     QIcon icon;
-    for (const int groesse : kGroessen) {
-        const QString datei = QStringLiteral(":/symbole/%1-%2.png").arg(qtText(name)).arg(groesse);
-        if (QFile::exists(datei)) icon.addFile(datei, QSize(groesse, groesse));
+    for (const int hoehe : kHoehen) {
+        const QString datei = QStringLiteral(":/symbole/%1-%2.png").arg(qtText(name)).arg(hoehe);
+        if (QFile::exists(datei)) icon.addFile(datei, QImageReader(datei).size());
     }
     return icon;
 }

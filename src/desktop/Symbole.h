@@ -8,10 +8,10 @@
 
 namespace wendel::Symbole {
 
-// "wendel", "terminuhr1", "terminuhr2", "terminaufz". An unknown name gives an empty icon.
+// "wendel", "terminuhr1", "terminuhr2", "terminaufz", "infobanner". An unknown name gives an empty icon.
 QIcon symbol(std::string_view name);
 
-// "hinweis" or "infobanner" for a screen of the given device pixel ratio; its size in device-independent
+// "hinweis" for a screen of the given device pixel ratio; its size in device-independent
 // pixels is always the same.
 QPixmap bild(std::string_view name, qreal geraetepixel);
 

@@ -4,46 +4,23 @@
 
 #include <gtest/gtest.h>
 
-#include <QAction>
 #include <QApplication>
 #include <QComboBox>
-#include <QElapsedTimer>
 #include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QScreen>
-#include <QTemporaryDir>
 #include <QTimer>
-#include <QTreeWidget>
-#include <functional>
 #include <map>
 
+#include "desktop/Fensterhilfe.h"
 #include "desktop/FormHinweisFenster.h"
-#include "desktop/FormWendelFenster.h"
 #include "desktop/Meldungsfenster.h"
 #include "desktop/QtText.h"
 #include "support/Fakes.h"
 
 namespace wendel {
 namespace {
-
-// Runs the event loop until the condition holds, at most five seconds.
-bool warte(const std::function<bool()>& bedingung) {
-    QElapsedTimer uhr;
-    uhr.start();
-    while (!bedingung()) {
-        if (uhr.elapsed() > 5000) return false;
-        QApplication::processEvents(QEventLoop::WaitForMoreEvents | QEventLoop::AllEvents, 20);
-    }
-    return true;
-}
-
-template <class T>
-T& kind(QWidget& fenster, const char* name) {
-    T* gefunden = fenster.findChild<T*>(QString::fromUtf8(name));
-    EXPECT_NE(gefunden, nullptr) << name;
-    return *gefunden;
-}
 
 struct Empfaenger : FormHinweisEmpfaenger {
     void erneutErinnern(const TerminZeiger& termin) override { termine.push_back(termin); }
@@ -133,42 +110,6 @@ TEST_F(HinweisFensterTest, TheHeightFollowsTheTextUpToTheScreen) {
     EXPECT_GT(fenster.height(), hoeher);
     EXPECT_LE(fenster.height(), fenster.screen()->availableGeometry().height());
     EXPECT_EQ(fenster.width(), breite);
-}
-
-TEST(WendelFensterTest, ShowsRowsOfThreeColumnsWithPicturesAndTheSelection) {
-    FormWendelFenster fenster{QString()};
-    fenster.setzeZeilen({{"terminuhr2", "24.12.12 20:15", "Oma anrufen", "59 min"},
-                         {"terminuhr1", "Mo 20:15", "Süßer Schnee\r\n(ZDF)", "2 Tage"},
-                         {"terminaufz", "24.12.12 20:10", "Öland", "läuft"}},
-                        1);
-    fenster.setzeLiveUpdateEinstellungen("Das Live-Update ist momentan deaktiviert.");
-    auto& liste = kind<QTreeWidget>(fenster, "ListViewTermineListe");
-    ASSERT_EQ(liste.topLevelItemCount(), 3);
-    EXPECT_EQ(liste.topLevelItem(0)->text(0), "24.12.12 20:15");
-    EXPECT_EQ(liste.topLevelItem(1)->text(1), QString::fromUtf8("Süßer Schnee (ZDF)"));
-    EXPECT_EQ(liste.topLevelItem(2)->text(2), QString::fromUtf8("läuft"));
-    for (int i = 0; i < 3; ++i)
-        EXPECT_FALSE(liste.topLevelItem(i)->icon(0).isNull()) << i;
-    EXPECT_EQ(liste.currentItem(), liste.topLevelItem(1));
-    EXPECT_EQ(kind<QLabel>(fenster, "LabelAnzLiveUpdateEinstellungen").text(),
-              "Das Live-Update ist momentan deaktiviert.");
-    EXPECT_EQ(fenster.windowTitle(), "Lomrick");
-    EXPECT_EQ(fenster.findChild<QAction*>("mnuBeenden")->text(), "&Beenden ..");
-}
-
-TEST(WendelFensterTest, ComesBackWhereAndAsLargeAsItWasLeft) {
-    const QTemporaryDir ordner;
-    const QString datei = ordner.filePath("noch/nicht/da.ini");
-    const QRect platz(30, 40, 500, 300);
-    {
-        FormWendelFenster fenster(datei);
-        fenster.zeigen();
-        fenster.setGeometry(platz);
-        fenster.verstecken();
-    }
-    FormWendelFenster wieder(datei);
-    wieder.zeigen();
-    EXPECT_EQ(wieder.geometry(), platz);
 }
 
 struct Boxfall {

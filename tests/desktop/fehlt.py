@@ -81,7 +81,7 @@ def beenden_im_menue():
     klick(x + b // 2, y + h // 2, knopf=3)
     time.sleep(0.4)  # the menu is up
     bild('liste-menue')
-    taste('Down', 'Return')
+    taste('Up', 'Return')
     assert p.prozess.wait(5) == 0
 
 
