@@ -9,6 +9,7 @@
 #include <exception>
 #include <new>
 #include <optional>
+#include <span>
 #include <vector>
 
 #include "jet/sql/Errors.h"
@@ -49,8 +50,8 @@ struct Plan {
     enum Way { kScan = 0, kRowId = 1, kIndex = 2 };
     int index = 0;
     int equal = 0;  // leading columns that are compared with "="
-    int low = 0;    // 1: ">", 2: ">=" on the column behind them
-    int high = 0;   // 1: "<", 2: "<="
+    int low = 0;    // conditions that bound the column behind them from below
+    int high = 0;   // and from above
     int backward = 0;
 
     static constexpr std::size_t kTextSize = 64;
@@ -76,6 +77,7 @@ struct Cursor : sqlite3_vtab_cursor {
     explicit Cursor(VirtualTable& t) : sqlite3_vtab_cursor(), table(t) {}
     VirtualTable& table;
     std::optional<TableScan> scan;
+    Plan plan;  // of index
     std::optional<IndexCursor> index;
     RowView fetched;               // of index and row id
     const RowView* row = nullptr;  // null at the end
@@ -151,7 +153,8 @@ int disconnect(sqlite3_vtab* table) {
 
 // The constraints that one column has, as places in SQLite's list.
 struct Bounds {
-    int equal = -1, low = -1, high = -1;
+    int equal = -1;
+    std::vector<int> low, high;
 };
 
 bool usableType(const Column& column) {
@@ -193,9 +196,9 @@ Bounds boundsOf(sqlite3_index_info& info, const TableDef& definition, std::size_
         switch (constraint.op) {
             case SQLITE_INDEX_CONSTRAINT_EQ: bounds.equal = bounds.equal < 0 ? i : bounds.equal; break;
             case SQLITE_INDEX_CONSTRAINT_GT:
-            case SQLITE_INDEX_CONSTRAINT_GE: bounds.low = bounds.low < 0 ? i : bounds.low; break;
+            case SQLITE_INDEX_CONSTRAINT_GE: bounds.low.push_back(i); break;
             case SQLITE_INDEX_CONSTRAINT_LT:
-            case SQLITE_INDEX_CONSTRAINT_LE: bounds.high = bounds.high < 0 ? i : bounds.high; break;
+            case SQLITE_INDEX_CONSTRAINT_LE: bounds.high.push_back(i); break;
             default: break;
         }
     }
@@ -242,6 +245,21 @@ bool givesOrder(const sqlite3_index_info& info, const TableDef& definition, cons
     return true;
 }
 
+// By how much bounds shrink a table. Both bounds from a row of another table are what a comparison of two
+// moments becomes, and leave as little as an equality does.
+double shrinking(sqlite3_index_info& info, const Bounds& bounds) {
+    const auto joined = [&](const std::vector<int>& side) {
+        return std::any_of(side.begin(), side.end(), [&](int place) {
+            sqlite3_value* constant = nullptr;
+            return sqlite3_vtab_rhs_value(&info, place, &constant) == SQLITE_NOTFOUND;
+        });
+    };
+    if (joined(bounds.low) && joined(bounds.high)) {
+        return 1000;
+    }
+    return (bounds.low.empty() ? 1 : 4) * (bounds.high.empty() ? 1 : 4);
+}
+
 std::optional<Candidate> candidateFor(sqlite3_index_info& info, const TableDef& definition, double rowCount,
                                       std::size_t number) {
     const Index& index = definition.indexes[number];
@@ -259,16 +277,12 @@ std::optional<Candidate> candidateFor(sqlite3_index_info& info, const TableDef& 
             result.rows = std::max(1.0, result.rows / 25);
             continue;
         }
-        if (bounds.low >= 0) {
-            result.constraints.push_back(bounds.low);
-            result.plan.low = info.aConstraint[bounds.low].op == SQLITE_INDEX_CONSTRAINT_GE ? 2 : 1;
-            result.rows = std::max(1.0, result.rows / 4);
+        for (const std::vector<int>* side : {&bounds.low, &bounds.high}) {
+            result.constraints.insert(result.constraints.end(), side->begin(), side->end());
         }
-        if (bounds.high >= 0) {
-            result.constraints.push_back(bounds.high);
-            result.plan.high = info.aConstraint[bounds.high].op == SQLITE_INDEX_CONSTRAINT_LE ? 2 : 1;
-            result.rows = std::max(1.0, result.rows / 4);
-        }
+        result.plan.low = static_cast<int>(bounds.low.size());
+        result.plan.high = static_cast<int>(bounds.high.size());
+        result.rows = std::max(1.0, result.rows / shrinking(info, bounds));
         break;
     }
     result.unique = index.unique && result.plan.equal == static_cast<int>(index.columns.size());
@@ -370,27 +384,51 @@ std::optional<KeyValue> keyValue(const Column& column, sqlite3_value* value) {
     }
 }
 
-// The stretch of the index that the arguments describe; nothing when one of them is Null.
-std::optional<KeyRange> rangeOf(const TableDef& definition, const Plan& plan, int count,
-                                sqlite3_value** values) {
-    const Index& index = definition.indexes[static_cast<std::size_t>(plan.index)];
-    std::vector<KeyValue> equal;
-    std::optional<KeyLimit> low, high;
-    for (int i = 0; i < count; ++i) {
-        const auto position = static_cast<std::size_t>(std::min(i, plan.equal));
-        const auto key = keyValue(definition.columns[index.columns[position].column], values[i]);
-        if (!key) {
-            return std::nullopt;
-        }
-        if (i < plan.equal) {
-            equal.push_back(*key);
-        } else if (plan.low && !low) {
-            low = KeyLimit{*key, plan.low == 2};
-        } else {
-            high = KeyLimit{*key, plan.high == 2};
+bool isNumber(sqlite3_value* value) {
+    const int type = sqlite3_value_type(value);
+    return type == SQLITE_INTEGER || type == SQLITE_FLOAT;
+}
+
+// The narrowest of some bounds, as far as that is plain; any of them will do. Always inclusive: SQLite tests
+// the conditions again.
+std::optional<KeyLimit> limitOf(const Column& column, std::span<sqlite3_value*> bounds, bool lower) {
+    if (bounds.empty()) {
+        return std::nullopt;
+    }
+    sqlite3_value* chosen = bounds[0];
+    for (sqlite3_value* bound : bounds.subspan(1)) {
+        const double gain = sqlite3_value_double(bound) - sqlite3_value_double(chosen);
+        if (isNumber(bound) && isNumber(chosen) && (lower ? gain > 0 : gain < 0)) {
+            chosen = bound;
         }
     }
-    return keyRange(definition, index, equal, low, high);
+    return KeyLimit{*keyValue(column, chosen)};
+}
+
+// The stretch of the index that the arguments describe; nothing when one of them is Null.
+std::optional<KeyRange> rangeOf(const TableDef& definition, const Plan& plan,
+                                std::span<sqlite3_value*> values) {
+    const Index& index = definition.indexes[static_cast<std::size_t>(plan.index)];
+    const auto column = [&](std::size_t position) -> const Column& {
+        return definition.columns[index.columns[position].column];
+    };
+    const auto equalCount = static_cast<std::size_t>(plan.equal);
+    const auto lowCount = static_cast<std::size_t>(plan.low);
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        if (!keyValue(column(std::min(i, equalCount)), values[i])) {
+            return std::nullopt;
+        }
+    }
+    std::vector<KeyValue> equal;
+    for (std::size_t i = 0; i < equalCount; ++i) {
+        equal.push_back(*keyValue(column(i), values[i]));
+    }
+    if (values.size() == equalCount) {
+        return keyRange(definition, index, equal);
+    }
+    const Column& bounded = column(equalCount);
+    return keyRange(definition, index, equal, limitOf(bounded, values.subspan(equalCount, lowCount), true),
+                    limitOf(bounded, values.subspan(equalCount + lowCount), false));
 }
 
 void stepIndex(Cursor& cursor) {
@@ -437,12 +475,15 @@ int filter(sqlite3_vtab_cursor* base, int way, const char* planText, int count, 
             cursor.row = found ? &cursor.fetched : nullptr;
             return;
         }
-        const Plan plan = Plan::read(planText);
-        const auto range = rangeOf(definition, plan, count, values);
+        if (!cursor.index) {  // a cursor keeps its plan through all its look-ups
+            cursor.plan = Plan::read(planText);
+        }
+        const Plan& plan = cursor.plan;
+        const auto range = rangeOf(definition, plan, {values, static_cast<std::size_t>(count)});
         if (!range || range->empty) {
             return;
         }
-        if (!cursor.index) {  // a cursor keeps its plan, and the pages at hand, through all its look-ups
+        if (!cursor.index) {
             cursor.index.emplace(file, definition, definition.indexes[static_cast<std::size_t>(plan.index)]);
         }
         cursor.index->seek(
