@@ -11,12 +11,14 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <regex>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "jet/storage/Catalog.h"
 #include "jet/storage/Table.h"
+#include "platform/Datum.h"
 
 namespace bench {
 
@@ -169,6 +171,25 @@ inline void copyTable(wendel::jet::Database& from, const std::string& name, Sqli
         to.step(insert);
     }
     to.run("commit");
+}
+
+// A statement of the dialect with its dates as the day numbers that they mean.
+inline std::string datesAsNumbers(const std::string& sql) {
+    using namespace wendel;
+    static const std::regex kDate("#(\\d+)/(\\d+)/(\\d+)(?: (\\d+):(\\d+):(\\d+))?#");
+    std::string out;
+    std::sregex_iterator it(sql.begin(), sql.end(), kDate), none;
+    std::size_t behind = 0;
+    for (; it != none; ++it) {
+        const auto part = [&](std::size_t n) { return (*it)[n].matched ? std::stoi((*it)[n].str()) : 0; };
+        char day[40];
+        std::snprintf(
+            day, sizeof day, "%.10f",
+            (DateSerial(part(3), part(1), part(2)) + TimeSerial(part(4), part(5), part(6))).tageszahl());
+        out += sql.substr(behind, static_cast<std::size_t>(it->position()) - behind) + day;
+        behind = static_cast<std::size_t>(it->position() + it->length());
+    }
+    return out + sql.substr(behind);
 }
 
 inline std::string guidePath(int argc, char** argv) {

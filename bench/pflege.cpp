@@ -73,20 +73,7 @@ std::string inSqlite(std::string sql) {
     if (sql.find("right join") != std::string::npos)
         return "update Markierungen set Pos=0 where not exists (select 1 from Sendungen where "
                "Sendungen.Pos=Markierungen.Pos)";
-    static const std::regex kDate("#(\\d+)/(\\d+)/(\\d+)(?: (\\d+):(\\d+):(\\d+))?#");
-    std::string out;
-    std::sregex_iterator it(sql.begin(), sql.end(), kDate), none;
-    std::size_t behind = 0;
-    for (; it != none; ++it) {
-        const auto part = [&](std::size_t n) { return (*it)[n].matched ? std::stoi((*it)[n].str()) : 0; };
-        char day[40];
-        std::snprintf(
-            day, sizeof day, "%.10f",
-            (DateSerial(part(3), part(1), part(2)) + TimeSerial(part(4), part(5), part(6))).tageszahl());
-        out += sql.substr(behind, static_cast<std::size_t>(it->position()) - behind) + day;
-        behind = static_cast<std::size_t>(it->position() + it->length());
-    }
-    sql = out + sql.substr(behind);
+    sql = bench::datesAsNumbers(sql);
     const auto replaceAll = [&](const char* pattern, const char* with) {
         sql = std::regex_replace(sql, std::regex(pattern, std::regex::icase), with);
     };
