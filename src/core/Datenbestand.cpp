@@ -14,6 +14,7 @@ namespace wendel {
 
 namespace {
 
+constexpr std::int64_t kFrischeSekunden = 60;
 constexpr int kNurLesbar = 3027;  // of the engine: the database or its folder cannot be written
 
 bool localeVerwenden(const Ports& ports, const std::string& titel, const std::string& was,
@@ -173,8 +174,16 @@ bool Datenbestand::erinnerungenLesen(Terminabfragen& abfragen, Datum jetzt) {
         return true;
     }
     const Terminabfrage abfrage = abfragen.ErinnerungenLesen(senderkennungen(), jetzt);
-    if (abfrage.gelungen) erinnerungen_ = vereinigt(abfrage.termine);
+    if (abfrage.gelungen && !istUeberholt(jetzt)) erinnerungen_ = vereinigt(abfrage.termine);
     return abfrage.gelungen;
+}
+
+// A box of the query may have stood for days: what it has found belongs to then, and most of it is over. It
+// is asked once more.
+bool Datenbestand::istUeberholt(Datum abfragemoment) {
+    const bool ueberholt = ports_.uhr.jetzt() > abfragemoment.plusSekunden(kFrischeSekunden);
+    abfrageNachholen_ |= ueberholt;
+    return ueberholt;
 }
 
 // Entries that are due but not shown yet are kept whatever the database says now; shown ones do not come
@@ -197,7 +206,7 @@ bool Datenbestand::verpassteLesen(Terminabfragen& abfragen, Datum jetzt) {
     if (!konfiguration_.erinnerung || !konfiguration_.verpassteZeigen) verpassteOffen_ = false;
     if (!verpassteOffen_) return true;
     const Terminabfrage abfrage = abfragen.VerpassteErinnerungenLesen(senderkennungen(), jetzt);
-    if (!abfrage.gelungen) return false;
+    if (!abfrage.gelungen || istUeberholt(jetzt)) return false;
     verpassteOffen_ = false;
     for (const TerminZeiger& termin : abfrage.termine) {
         if (journal_.kennt(*termin) || suche(erinnerungen_, hinweisschluessel(*termin))) continue;

@@ -81,6 +81,7 @@ class Datenbestand {
     void zugreifen(bool pflegen);
     bool durchgang(bool pflegen);
     bool markierungenPflegen(Datum jetzt);
+    bool istUeberholt(Datum abfragemoment);
     bool erinnerungenLesen(Terminabfragen& abfragen, Datum jetzt);
     bool verpassteLesen(Terminabfragen& abfragen, Datum jetzt);
     bool aufzeichnungenLesen(Terminabfragen& abfragen, Datum jetzt);

@@ -28,13 +28,19 @@ auto zeitUndText(const GespeicherterTermin& t) {
 auto nurText(const GespeicherterTermin& t) { return std::string_view(t.weckText); }
 auto nurZeit(const GespeicherterTermin& t) { return t.weckZeit; }
 
-// Pairs what has found no partner yet and agrees in the key, each in order.
+bool jeder(const GespeicherterTermin&) { return true; }
+// What many share says nothing about which of them it is.
+bool hatEigenenText(const GespeicherterTermin& t) {
+    return !t.weckText.empty() && LCase(t.weckText) != LCase(kKurzzeittext);
+}
+
+// Pairs what has found no partner yet, comes into question and agrees in the key, each in order.
 template <class Schluessel>
 void paare(const Ablage& vorher, std::vector<bool>& vergeben, const Werte& datei, Herkunft& herkunft,
-           Schluessel schluessel) {
+           Schluessel schluessel, bool (*kommtInFrage)(const GespeicherterTermin&) = jeder) {
     std::multimap<decltype(schluessel(datei.front())), std::size_t> freie;
     for (std::size_t i = 0; i < vorher.size(); ++i) {
-        if (!vergeben[i]) freie.emplace(schluessel(vorher[i].wert), i);
+        if (!vergeben[i] && kommtInFrage(vorher[i].wert)) freie.emplace(schluessel(vorher[i].wert), i);
     }
     for (std::size_t j = 0; j < datei.size() && !freie.empty(); ++j) {
         if (herkunft[j]) continue;
@@ -51,7 +57,7 @@ Herkunft herkunftVon(const Ablage& vorher, const Werte& datei) {
     std::vector<bool> vergeben(vorher.size());
     paare(vorher, vergeben, datei, herkunft, alles);
     paare(vorher, vergeben, datei, herkunft, zeitUndText);
-    paare(vorher, vergeben, datei, herkunft, nurText);
+    paare(vorher, vergeben, datei, herkunft, nurText, hatEigenenText);
     paare(vorher, vergeben, datei, herkunft, nurZeit);
     return herkunft;
 }
