@@ -1,18 +1,15 @@
 #pragma once
 // The access layer on the real engine and real files in a folder of its own: the clock, the boxes and chance
-// are fakes. A second process takes and leaves the database's write lock when it is told to.
+// are fakes.
 
 #include <gtest/gtest.h>
 
-#include <sys/wait.h>
 #include <unistd.h>
 
-#include <csignal>
 #include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "desktop/LinuxDateisystem.h"
@@ -27,66 +24,18 @@ namespace wendel {
 
 inline const std::string kBeispiele = std::string(WENDEL_SOURCE_DIR) + "/../shared/data/";
 
-// Another program that uses the database: a process that obeys one letter at a time.
+// Another program that uses the database; locks of two openings keep each other out as those of two processes
+// do.
 class FremdesProgramm {
   public:
-    explicit FremdesProgramm(const std::string& pfad) {
-        int hin[2], her[2];
-        if (pipe(hin) != 0 || pipe(her) != 0) throw std::runtime_error("no pipe");
-        kind_ = fork();
-        if (kind_ == 0) {
-            close(hin[1]);
-            close(her[0]);
-            gehorche(pfad, hin[0], her[1]);
-        }
-        close(hin[0]);
-        close(her[1]);
-        an_ = hin[1], von_ = her[0];
-    }
-    ~FremdesProgramm() {
-        close(an_);
-        close(von_);
-        toeten();
-    }
-    FremdesProgramm(const FremdesProgramm&) = delete;
-    FremdesProgramm& operator=(const FremdesProgramm&) = delete;
-
-    // Return when it is done.
-    void sperren() { befiehl('s'); }
-    void freigeben() { befiehl('f'); }
-    void toeten() {
-        if (kind_ <= 0) return;
-        kill(std::exchange(kind_, -1), SIGKILL);
-        wait(nullptr);
-    }
+    explicit FremdesProgramm(const std::string& pfad) : verbindung_(pfad, uhr_) {}
+    void sperren() { sperre_.emplace(verbindung_.file()); }
+    void freigeben() { sperre_.reset(); }
 
   private:
-    void befiehl(char buchstabe) {
-        char antwort = 0;
-        if (write(an_, &buchstabe, 1) != 1 || read(von_, &antwort, 1) != 1 || antwort != '.')
-            throw std::runtime_error("the other process has failed");
-    }
-    [[noreturn]] static void gehorche(const std::string& pfad, int befehle, int antworten) {
-        try {
-            FakeUhr uhr;
-            jet::Connection verbindung(pfad, uhr);
-            std::optional<jet::File::Writing> sperre;
-            for (char buchstabe = 0; read(befehle, &buchstabe, 1) == 1;) {
-                if (buchstabe == 's') {
-                    sperre.emplace(verbindung.file());
-                } else {
-                    sperre.reset();
-                }
-                if (write(antworten, ".", 1) != 1) break;
-            }
-        } catch (const std::exception&) {
-            // The reader of the answers finds their end.
-        }
-        _exit(1);
-    }
-
-    pid_t kind_ = -1;
-    int an_ = -1, von_ = -1;
+    FakeUhr uhr_;
+    jet::Connection verbindung_;
+    std::optional<jet::File::Writing> sperre_;
 };
 
 class EchteDatenbank : public testing::Test {

@@ -3,6 +3,14 @@
 #include "tvdb/Markierungspflege.h"
 
 #include <gmock/gmock.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <fstream>
+#include <random>
 
 #include "core/Programm.h"
 #include "integration/EchteDatenbank.h"
@@ -68,6 +76,43 @@ TEST_F(Pflege, BringsTheTableInStepWithTheBroadcasts) {
     pflege();
     EXPECT_EQ(zeilen("Select * from Markierungen Order by ID", 16), alles)
         << "a second run finds nothing to do";
+}
+
+// Killed at random moments: the next run brings the marks to where a whole one would have brought them. What
+// it must not differ in are the keys, of which a killed run has used up some.
+TEST_F(Pflege, KilledRunIsMadeUpForByTheNext) {
+    constexpr unsigned kSeed = 161803;
+    SCOPED_TRACE(kSeed);
+    std::mt19937 zufall(kSeed);
+    const std::string original = *dateien.lesen(werte.datenbankdatei);
+    const auto zustand = [&] {
+        auto alle = zeilen(
+            "Select User,Pos,Sendung,Senderkennung,Datum,Uhrzeit,Dauer,Favorit,Erinnerung,Aufzeichnung,"
+            "Optionen,KzAusblenden from Markierungen",
+            12);
+        std::sort(alle.begin(), alle.end());
+        for (const std::string& pos : zeilen("Select Pos from Sendungen Where KzInFavoritenliste=true", 1))
+            alle.push_back(pos);
+        return alle;
+    };
+    using Zeit = std::chrono::steady_clock;
+    const auto beginn = Zeit::now();
+    pflege();
+    const auto dauer = std::chrono::duration_cast<std::chrono::microseconds>(Zeit::now() - beginn).count();
+    const auto erwartet = zustand();
+    for (int lauf = 0; lauf < 10; ++lauf) {
+        std::ofstream(werte.datenbankdatei, std::ios::binary) << original;
+        const pid_t kind = ::fork();
+        if (kind == 0) {
+            pflege();
+            ::_exit(0);
+        }
+        ::usleep(static_cast<useconds_t>(zufall() % static_cast<unsigned>(dauer)));
+        ::kill(kind, SIGKILL);
+        ::waitpid(kind, nullptr, 0);
+        pflege();
+        EXPECT_EQ(zustand(), erwartet) << lauf;
+    }
 }
 
 // From the data update to the notice: a broadcast is added that begins in five minutes, and a recurring mark

@@ -290,19 +290,6 @@ TEST_F(WritableFile, RecordsetsRefuseWhatTheyCannotSave) {
     EXPECT_EQ(single("Select Count(*) from Sender where Gruppe='x'"), Variant::lang(1));
 }
 
-TEST_F(WritableFile, AFailedUpdateCanBeRepeated) {
-    auto rs = adding("Select * from Sender");
-    rs->addNew();
-    rs->setzeFeld("Bezeichnung", Variant::text("Später"));
-    {
-        Connection other(path_, clock_);
-        const File::Writing lock(other.file());
-        EXPECT_EQ(fehlernummerVon([&] { rs->update(); }), 3260);
-    }
-    rs->update();
-    EXPECT_EQ(single("Select Count(*) from Sender where Bezeichnung='Später'"), Variant::lang(1));
-}
-
 // Recordsets with more rows than are read ahead keep what they began with, whatever is written meanwhile.
 TEST_F(WritableFile, OpenRecordsetsKeepTheirState) {
     write(fileBytes("tvdaten-gross.mdb"));

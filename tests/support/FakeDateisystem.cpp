@@ -40,8 +40,6 @@ void FakeDateisystem::legeOrdner(const std::string& pfad) {
     }
 }
 
-void FakeDateisystem::entferne(const std::string& pfad) { dateien_.erase(absolut(pfad)); }
-
 std::optional<std::string> FakeDateisystem::inhalt(const std::string& pfad) const {
     const auto treffer = dateien_.find(absolut(pfad));
     return treffer == dateien_.end() ? std::nullopt : std::optional(treffer->second);
@@ -52,16 +50,6 @@ std::vector<std::string> FakeDateisystem::dateien() const {
     for (const auto& [name, inhalt] : dateien_)
         namen.push_back(name);
     return namen;
-}
-
-void FakeDateisystem::scheitereBeimSchreiben(int n, bool teilweise) {
-    schreibfehlerIn_ = n;
-    schreibfehlerTeilweise_ = teilweise;
-}
-
-void FakeDateisystem::stuerzeAbBei(int n, Rest rest) {
-    absturzIn_ = n;
-    rest_ = rest;
 }
 
 void FakeDateisystem::neustart() {
@@ -79,12 +67,11 @@ bool FakeDateisystem::vorgang(std::string_view name, const std::string& pfad) {
 }
 
 bool FakeDateisystem::dauerhaft(const std::function<void()>& ganz, const std::function<void()>& halb) {
-    ++dauerhafteVorgaenge;
     tot_ = absturzIn_ > 0 && --absturzIn_ == 0;
     const bool scheitertJetzt = !tot_ && schreibfehlerIn_ > 0 && --schreibfehlerIn_ == 0;
     if (tot_ ? rest_ == Rest::Alles : !scheitertJetzt) {
         ganz();
-    } else if (halb && (tot_ ? rest_ == Rest::Haelfte : schreibfehlerTeilweise_)) {
+    } else if (halb && tot_ && rest_ == Rest::Haelfte) {
         halb();
     }
     if (tot_) throw Absturz{};

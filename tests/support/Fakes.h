@@ -113,16 +113,16 @@ class FakeDateisystem : public FakeBasis, public Dateisystem {
     // For setting up and looking: not counted, never failing.
     void lege(const std::string& pfad, std::string inhalt);  // makes the folders too
     void legeOrdner(const std::string& pfad);
-    void entferne(const std::string& pfad);
+    void entferne(const std::string& pfad) { dateien_.erase(absolut(pfad)); }
     std::optional<std::string> inhalt(const std::string& pfad) const;
     std::vector<std::string> dateien() const;                        // absolute paths in order
     const std::string& aktuellerOrdner() const { return aktuell_; }  // ends in "\"
 
-    // The n-th write from now (1 is the next) fails, with half of it done when teilweise is set.
-    void scheitereBeimSchreiben(int n, bool teilweise = false);
+    // The n-th write from now (1 is the next) fails.
+    void scheitereBeimSchreiben(int n) { schreibfehlerIn_ = n; }
     // The n-th durable operation from now throws Absturz; afterwards nothing works any more, as in a dead
     // process, until neustart().
-    void stuerzeAbBei(int n, Rest rest = Rest::Nichts);
+    void stuerzeAbBei(int n, Rest rest = Rest::Nichts) { absturzIn_ = n, rest_ = rest; }
     void neustart();
     // Asked first by every operation with its name and the path as given; true makes it fail.
     std::function<bool(const std::string& vorgang, const std::string& pfad)> scheitert;
@@ -130,8 +130,6 @@ class FakeDateisystem : public FakeBasis, public Dateisystem {
     std::set<std::string> nurLesen;
     // By exact path, for stand(): when a file was changed; 0 unless a test says more.
     std::map<std::string, std::int64_t> geaendertNs;
-    // Durable operations so far: for running the same scene once for each of them.
-    int dauerhafteVorgaenge = 0;
 
     bool existiert(const std::string& pfad) override;
     std::optional<std::uint64_t> groesse(const std::string& pfad) override;
@@ -162,7 +160,6 @@ class FakeDateisystem : public FakeBasis, public Dateisystem {
     std::set<std::string> ordner_ = {"\\"};
     std::string aktuell_ = "\\";
     int schreibfehlerIn_ = 0;
-    bool schreibfehlerTeilweise_ = false;
     int absturzIn_ = 0;
     Rest rest_ = Rest::Nichts;
     bool tot_ = false;
@@ -205,7 +202,9 @@ class FakeFenstersystem : public FakeBasis, public Fenstersystem {
     Fensterhandle vordergrund = 0;
     bool vordergrundErlaubt = true;
     bool sanduhrAn = false;
+    Punkt zeigerort{1900, 1030};
 
+    Punkt zeiger() override { return aufrufe().zaehle(Portart::Fenstersystem), zeigerort; }
     Arbeitsbereich arbeitsbereich() override {
         return aufrufe().zaehle(Portart::Fenstersystem), Arbeitsbereich{0, 0, 1920, 1040};
     }
@@ -235,8 +234,7 @@ class FakeProzesse : public FakeBasis, public Prozesse {
     using FakeBasis::FakeBasis;
     std::vector<Prozess> laufende;
     static constexpr std::uint32_t kEigene = 4711;  // the calling process, never ended
-    std::set<std::uint32_t> unbeendbar;
-    std::vector<std::uint32_t> beendet;  // successful ends; the process leaves laufende
+    std::vector<std::uint32_t> beendet;             // successful ends; the process leaves laufende
 
     std::vector<Prozess> liste() override;
     [[nodiscard]] bool beenden(std::uint32_t id) override;

@@ -14,6 +14,7 @@
 #include "jet/proof/Proof.h"
 #include "jet/proof/Values.h"
 #include "jet/storage/Compact.h"
+#include "jet/storage/EveryType.h"
 #include "jet/storage/Schema.h"
 #include "jet/storage/Table.h"
 #include "jet/storage/TableWriter.h"
@@ -25,31 +26,6 @@ namespace {
 constexpr unsigned kSeed = 20121224;
 using Row = std::vector<Value>;
 std::int64_t wholeOf(std::size_t n) { return static_cast<std::int64_t>(n); }
-
-// One row for one column type each, as every own file of these tests has it.
-std::vector<ColumnSpec> allTypes(Version version) {
-    std::vector<ColumnSpec> columns = {
-        {.name = "ID", .type = ColumnType::kLong, .autonumber = true},
-        {.name = "Ja", .type = ColumnType::kBoolean},
-        {.name = "By", .type = ColumnType::kByte},
-        {.name = "Ga", .type = ColumnType::kInteger},
-        {.name = "La", .type = ColumnType::kLong},
-        {.name = "Geld", .type = ColumnType::kCurrency},
-        {.name = "Da", .type = ColumnType::kDate},
-        {.name = "Ei", .type = ColumnType::kSingle},
-        {.name = "Do", .type = ColumnType::kDouble},
-        {.name = "Tx", .type = ColumnType::kText, .size = 255, .compressible = true},
-        {.name = "Tk", .type = ColumnType::kText, .size = 20},
-        {.name = "Bin", .type = ColumnType::kBinary, .size = 60},
-        {.name = "Me", .type = ColumnType::kMemo, .compressible = true},
-        {.name = "Mu", .type = ColumnType::kMemo},
-        {.name = "Ole", .type = ColumnType::kOle},
-        {.name = "Gu", .type = ColumnType::kGuid},
-        {.name = "Datum", .type = ColumnType::kDate}};
-    if (version == Version::kJet4)
-        columns.push_back({.name = "Dez", .type = ColumnType::kDecimal, .precision = 18, .scale = 4});
-    return columns;
-}
 
 const std::vector<IndexSpec> kIndexes = {
     {.name = "PrimaryKey", .columns = {{"ID", false}}, .unique = true, .primary = true},
@@ -67,7 +43,7 @@ void createOwnFile(const std::string& path, Version version) {
     createDatabaseFile(path, version);
     Database database(path, Access::kReadWrite);
     File::Writing writing(database.file());
-    createTable(database, "Probe", allTypes(version), kIndexes);
+    createTable(database, "Probe", test::everyType(version), kIndexes);
     writing.commit(Durability::kSoon);
 }
 

@@ -206,44 +206,5 @@ TEST(IndexWriter, CountsDistinctKeysAndFillsPagesInOrder) {
     }
 }
 
-struct Damage {
-    const char* what;  // as the error says
-    std::function<void(const Layout&, Page& root, Page& leaf)> make;
-};
-const Damage kDamages[] = {
-    {"falscher freier Platz", [](const Layout&, Page&, Page& leaf) { ++leaf[kIndexFreeBytes]; }},
-    {"falscher Nachbar", [](const Layout& l, Page&, Page& leaf) { storeU32(&leaf[l.indexPrevious], 2); }},
-    {"falsche Ebene", [](const Layout& l, Page&, Page& leaf) { leaf[l.indexLevel] = 2; }},
-    {"falsche Reihenfolge", [](const Layout& l, Page&, Page& leaf) { leaf[l.indexEntries + 9] ^= 0xFF; }},
-    {"falscher Trennschlüssel", [](const Layout& l, Page& root, Page&) { --root[l.indexEntries + 8]; }},
-    {"zweimal im Baum", [](const Layout& l, Page& root,
-                           Page&) { storeU32(&root[l.indexTail], loadU32Big(&root[l.indexEntries + 9])); }},
-    {"Indexseite", [](const Layout&, Page&, Page& leaf) { leaf[kPageOwner] ^= 1; }},
-};
-
-TEST(IndexCheck, NamesTheFault) {
-    for (const Damage& damage : kDamages) {
-        OneIndex one(Version::kJet4);
-        File::Writing writing(one.file());
-        PageAllocator allocator(one.file());
-        IndexWriter writer(one.file(), allocator, *one.table, one.index());
-        std::vector<Entry> entries;
-        for (unsigned n = 0; n < 2000; ++n)
-            entries.emplace_back(numberKey(n), makeRowId(100 + n / 200, n % 200 & 0xFF));
-        writer.build(entries);
-        checkIndexTree(one.file(), *one.table, one.index());
-        const std::shared_ptr<Page> root = one.file().edit(one.index().root);
-        const Layout& layout = one.file().layout();
-        damage.make(layout, *root, *one.file().edit(loadU32Big(&(*root)[layout.indexEntries + 9])));
-        try {
-            checkIndexTree(one.file(), *one.table, one.index());
-            ADD_FAILURE() << damage.what << " is not noticed";
-        } catch (const Fehler& e) {
-            EXPECT_EQ(e.nummer(), jetfehler::kDamaged);
-            EXPECT_NE(e.beschreibung().find(damage.what), std::string::npos) << e.beschreibung();
-        }
-    }
-}
-
 }  // namespace
 }  // namespace wendel::jet

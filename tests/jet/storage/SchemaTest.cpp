@@ -11,6 +11,8 @@
 
 #include "jet/storage/Bytes.h"
 #include "jet/storage/Compact.h"
+#include "jet/storage/EveryType.h"
+#include "jet/storage/FileCheck.h"
 #include "jet/storage/Schema.h"
 #include "jet/storage/TableDefWriter.h"
 #include "jet/storage/TableWriter.h"
@@ -35,25 +37,9 @@ std::size_t filesIn(const std::string& folder) {
     return static_cast<std::size_t>(std::distance(fs::directory_iterator(folder), {}));
 }
 
-std::vector<ColumnSpec> everyType(Version version) {
-    std::vector<ColumnSpec> columns = {
-        {.name = "ID", .autonumber = true},
-        {.name = "Titel", .type = ColumnType::kText, .size = 50, .compressible = true},
-        {.name = "Mehr", .type = ColumnType::kMemo, .compressible = true},
-        {.name = "Bild", .type = ColumnType::kOle},
-        {.name = "Ja", .type = ColumnType::kBoolean},
-        {.name = "B", .type = ColumnType::kByte},
-        {.name = "I", .type = ColumnType::kInteger},
-        {.name = "C", .type = ColumnType::kCurrency},
-        {.name = "S", .type = ColumnType::kSingle},
-        {.name = "D", .type = ColumnType::kDouble},
-        {.name = "Datum", .type = ColumnType::kDate},
-        {.name = "Roh", .type = ColumnType::kBinary, .size = 20},
-        {.name = "G", .type = ColumnType::kGuid}};
-    if (version == Version::kJet4) {
-        columns.push_back({.name = "Z", .type = ColumnType::kDecimal, .precision = 12, .scale = 3});
-    }
-    return columns;
+std::vector<std::string> findingsIn(const std::string& path) {
+    Database database(path, Access::kReadOnly);
+    return checkFile(database);
 }
 
 // Column and index definitions of the system tables, and the catalog's rows but for their dates.
@@ -111,79 +97,36 @@ TEST_P(VersionTest, NewFilesAreWhatTheEngineMakes) {
 }
 
 TEST_P(VersionTest, TablesOfEveryTypeAreReadByOthers) {
-    const std::vector<ColumnSpec> columns = everyType(GetParam());
+    const std::vector<ColumnSpec> columns = test::everyType(GetParam());
     const std::vector<IndexSpec> indexes = {
-        {.name = "Titel", .columns = {{"Titel", false}, {"datum", true}}},
+        {.name = "Titel", .columns = {{"Tx", false}, {"datum", true}}},
         {.name = "PrimaryKey", .columns = {{"ID", false}}, .primary = true},
-        {.name = "Roh", .columns = {{"Roh", false}}, .unique = true, .ignoreNulls = true}};
+        {.name = "Roh", .columns = {{"Bin", false}}, .unique = true, .ignoreNulls = true}};
     change(path(), [&](Database& d) { createTable(d, "Prüf-Tabelle", columns, indexes); });
     change(path(), [&](Database& d) {
         const auto table = d.table("prüf-tabelle");
         TableWriter writer(d.file(), table);
         std::vector<Cell> cells(columns.size());
-        cells[1] = "Das Ü";
-        cells[10] = 41267.84375;
+        cells[9] = "Das Ü";
+        cells[16] = 41267.84375;
         writer.insert(cells);
     });
-    EXPECT_EQ(test::outputOf("mdb-export '" + path() + "' 'Prüf-Tabelle' | cut -d, -f1,2,5,11"),
-              "ID,Titel,Ja,Datum\n1,\"Das Ü\",0,\"12/24/12 20:15:00\"\n");
-    const std::string decimal = GetParam() == Version::kJet4 ? "[Z] Numeric (12 3) " : "";
-    EXPECT_EQ(test::outputOf("mdb-schema '" + path() + "' access | grep -P '^\\t' | tr -s '\\t,\\n' ' '"),
-              " [ID] Long Integer [Titel] Text (50) [Mehr] Memo/Hyperlink (255) [Bild] OLE (255) [Ja] "
-              "Boolean NOT NULL "
-              "[B] Byte [I] Integer [C] Currency [S] Single [D] Double [Datum] DateTime [Roh] Binary "
-              "[G] Replication ID " +
-                  decimal);
+    EXPECT_EQ(test::outputOf("mdb-export '" + path() + "' 'Prüf-Tabelle' | cut -d, -f1,2,10,17"),
+              "ID,Ja,Tx,Datum\n1,0,\"Das Ü\",\"12/24/12 20:15:00\"\n");
+    const std::string decimal = GetParam() == Version::kJet4 ? "[Dez] Numeric (18 4) " : "";
+    EXPECT_EQ(
+        test::outputOf("mdb-schema '" + path() + "' access | grep -P '^\\t' | tr -s '\\t,\\n' ' '"),
+        " [ID] Long Integer [Ja] Boolean NOT NULL [By] Byte [Ga] Integer [La] Long Integer [Geld] Currency "
+        "[Da] DateTime [Ei] Single [Do] Double [Tx] Text (255) [Tk] Text (20) [Bin] Binary "
+        "[Me] Memo/Hyperlink (255) [Mu] Memo/Hyperlink (255) [Ole] OLE (255) [Gu] Replication ID "
+        "[Datum] DateTime " +
+            decimal);
     EXPECT_EQ(test::outputOf("mdb-schema --indexes '" + path() + "' postgres | grep -e INDEX -e KEY"),
               "-- CREATE INDEXES ...\n"
               "ALTER TABLE \"prüf-tabelle\" ADD CONSTRAINT \"prüf-tabelle_pkey\" PRIMARY KEY (\"id\");\n"
-              "CREATE UNIQUE INDEX \"prüf-tabelle_roh_idx\" ON \"prüf-tabelle\" (\"roh\");\n"
-              "CREATE INDEX \"prüf-tabelle_titel_idx\" ON \"prüf-tabelle\" (\"titel\", \"datum\" DESC);\n");
+              "CREATE UNIQUE INDEX \"prüf-tabelle_roh_idx\" ON \"prüf-tabelle\" (\"bin\");\n"
+              "CREATE INDEX \"prüf-tabelle_titel_idx\" ON \"prüf-tabelle\" (\"tx\", \"datum\" DESC);\n");
     EXPECT_EQ(test::checkedIndexes(path()).size(), 3u);
-}
-
-// The widest table there can be; each index makes its definition longer, over page boundaries too.
-TEST_P(VersionTest, LargeDefinitionsGrowAndShrink) {
-    std::vector<ColumnSpec> columns;
-    for (int i = 0; i < 255; ++i)
-        columns.push_back(
-            {.name = "Eine recht lange Spalte " + std::to_string(i), .type = ColumnType::kText, .size = 9});
-    columns[0].type = ColumnType::kLong;
-    change(path(), [&](Database& d) { createTable(d, "Breit", columns, {}); });
-    change(path(), [&](Database& d) {
-        TableWriter writer(d.file(), d.table("Breit"));
-        std::vector<Cell> cells(columns.size());
-        for (std::int64_t i = 0; i < 300; ++i) {
-            cells[0] = i * 7919 % 300;
-            cells[254] = i % 2 == 0 ? Cell("gerade") : Cell();
-            writer.insert(cells);
-        }
-    });
-    const auto rows = test::allRows(path());
-    for (int i = 0; i < 32; ++i) {
-        const IndexSpec index{
-            .name = "Ein Index mit einem recht langen Namen " + std::to_string(i),
-            .columns = {{columns[i % 2 == 0 ? 0 : 254].name, i % 3 == 0}, {columns[5].name, false}},
-            .unique = i % 2 == 0,
-            .ignoreNulls = i % 2 != 0};
-        change(path(), [&](Database& d) { createIndex(d, "breit", index); });
-    }
-    EXPECT_EQ(test::checkedIndexes(path()).size(), 32u);
-    EXPECT_EQ(test::allRows(path()), rows);
-    const auto size = fs::file_size(path());
-    const auto empty = [&] {
-        change(path(), [&](Database& d) { dropTable(d, "BREIT"); });
-        EXPECT_EQ(test::outputOf("mdb-tables '" + path() + "'"), "\n");
-    };
-    for (int i = 31; i >= 16; i -= 2) {
-        const std::string name = "Ein Index mit einem recht langen Namen " + std::to_string(i);
-        change(path(), [&](Database& d) { dropIndex(d, "Breit", name); });
-    }
-    EXPECT_EQ(test::checkedIndexes(path()).size(), 24u);
-    empty();
-    change(path(), [&](Database& d) { createTable(d, "Breit", columns, {}); });
-    empty();
-    EXPECT_EQ(fs::file_size(path()), size) << "pages of what was dropped are used again";
 }
 
 TEST_P(VersionTest, WhatIsNotAllowedLeavesNothing) {
@@ -213,7 +156,6 @@ TEST_P(VersionTest, WhatIsNotAllowedLeavesNothing) {
         std::function<void(Database&)> step;
         int number;
     } rows[] = {
-        {"table exists", table("A", {n}), 3010},
         {"table of the catalog exists", table("msysaces", {n}), 3010},
         {"no name", table("", {n}), 3125},
         {"leading blank", table(" b", {n}), 3125},
@@ -226,19 +168,14 @@ TEST_P(VersionTest, WhatIsNotAllowedLeavesNothing) {
         {"text without length", table("b", {sizeless}), 3259},
         {"two counting columns",
          table("b", {{.name = "x", .autonumber = true}, {.name = "y", .autonumber = true}}), 3259},
-        {"index on a missing table", index("b", unique), 3371},
         {"index exists", index("a", {.name = "PRIMARYKEY", .columns = {{"t", false}}}), 3284},
         {"second primary key", index("a", {.name = "p", .columns = {{"t", false}}, .primary = true}), 3283},
-        {"unknown column", index("a", on({{"x", false}})), 3409},
         {"no column", index("a", on({})), 3409},
         {"column twice in an index", index("a", on({{"t", false}, {"T", true}})), 3409},
         {"index on OLE", index("a", on({{"o", false}})), 3259},
         {"eleven columns", index("a", on(std::vector(11, std::pair(std::string("n"), false)))), 3277},
-        {"rows not unique", index("a", unique), 3022},
         {"rows with Null", index("a", required), 3314},
         {"system table", [](Database& d) { dropTable(d, "MSysObjects"); }, 3112},
-        {"dropping nothing", [](Database& d) { dropTable(d, "b"); }, 3376},
-        {"dropping no index", [](Database& d) { dropIndex(d, "a", "b"); }, 3372},
     };
     const std::string before = test::readFile(path());
     for (const auto& row : rows)
@@ -264,6 +201,7 @@ INSTANTIATE_TEST_SUITE_P(Files, ForeignFileTest,
 TEST_P(ForeignFileTest, TablesAndIndexesComeAndGo) {
     const auto rows = test::allRows(path());
     const auto indexes = test::checkedIndexes(path());
+    const auto findings = findingsIn(path());
     for (const auto& [name, ignored] : rows) {
         change(path(), [&, n = name](Database& d) {
             createIndex(d, n, {.name = "Neuer Index", .columns = {{d.table(n)->columns[0].name, true}}});
@@ -271,13 +209,14 @@ TEST_P(ForeignFileTest, TablesAndIndexesComeAndGo) {
     }
     EXPECT_EQ(test::checkedIndexes(path()).size(), indexes.size() + rows.size());
     const Version version = File(path(), Access::kReadOnly).version();
-    change(path(), [&](Database& d) { createTable(d, "Neue Tabelle", everyType(version), {}); });
+    change(path(), [&](Database& d) { createTable(d, "Neue Tabelle", test::everyType(version), {}); });
     EXPECT_EQ(test::allRows(path()).size(), rows.size() + 1);
     for (const auto& [name, ignored] : rows)
         change(path(), [&, n = name](Database& d) { dropIndex(d, n, "neuer index"); });
     change(path(), [](Database& d) { dropTable(d, "Neue Tabelle"); });
     EXPECT_EQ(test::allRows(path()), rows);
     EXPECT_EQ(test::checkedIndexes(path()), indexes);
+    EXPECT_EQ(findingsIn(path()), findings);
     if (rows.empty()) return;
     const std::string first = rows.begin()->first;
     change(path(), [&](Database& d) { dropTable(d, first); });

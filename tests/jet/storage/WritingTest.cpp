@@ -8,7 +8,6 @@
 #include <functional>
 #include <map>
 #include <memory>
-#include <random>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -234,42 +233,6 @@ TEST_P(WritingTest, LongValuesOfEverySizeComeBackAndGoWithTheirRows) {
         written.insert({std::string(4000, 'z'), KeyBytes{std::string(4000, 'o')}});
     EXPECT_EQ(written.file().pageCount(), full);
     EXPECT_EQ(written.findings(), kSound);
-}
-
-// In Jet 3 each 256 bytes of a row need a jump; where they come depends on every length before them.
-TEST_P(WritingTest, LongRowsOfManyTextsReadBack) {
-    std::vector<ColumnSpec> columns;
-    for (int c = 0; c < 30; ++c)
-        columns.push_back({"c" + std::to_string(c), ColumnType::kText, 255});
-    Writable written(GetParam(), columns);
-    std::mt19937 random(20121224);
-    std::map<RowId, Row> expected;
-    std::map<RowId, std::string> lines;
-    for (int i = 0; i < 200; ++i) {
-        Row texts, row;
-        std::string line;
-        for (std::size_t c = 0; c < columns.size(); ++c) {
-            texts.emplace_back(random() % 4 == 0 ? random() % 256 : random() % 30,
-                               static_cast<char>('a' + c % 26));
-            row.push_back("'" + texts.back() + "'");
-            line += (c == 0 ? "" : "\x1f") + texts.back();
-        }
-        RowId id = 0;
-        const std::vector<Cell> cells(texts.begin(), texts.end());
-        const int error = written.run([&](TableWriter& writer) { id = writer.insert(cells); });
-        ASSERT_TRUE(error == 0 || error == 3047) << error;
-        if (error != 0) continue;
-        expected[id] = row;
-        lines[id] = line;
-    }
-    EXPECT_GT(expected.size(), 50u);
-    EXPECT_EQ(written.rows(), expected);
-    EXPECT_EQ(written.findings(), kSound);
-    ASSERT_TRUE(written.file().checkpoint());
-    std::vector<std::string> exported;
-    for (const auto& [id, line] : lines)
-        exported.push_back(line);
-    EXPECT_TRUE(mdbExport(written.path(), "Tabelle") == exported);
 }
 
 TEST_P(WritingTest, IndexesRefuseWhatTheyMustNotHold) {
