@@ -39,6 +39,7 @@ class Konsolenports {
     class KeineFenster : public Fenstersystem {
       public:
         Arbeitsbereich arbeitsbereich() override { return {}; }
+        Punkt zeiger() override { return {}; }
         Fensterhandle vordergrundfenster() override { return 0; }
         std::uint64_t fensterThread(Fensterhandle /*fenster*/) override { return 0; }
         void eingabeVerbinden(std::uint64_t /*von*/, std::uint64_t /*zu*/, bool /*verbinden*/) override {}

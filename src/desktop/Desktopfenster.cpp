@@ -51,6 +51,11 @@ Arbeitsbereich Desktopfenster::arbeitsbereich() {
             .unten = frei.top() + frei.height()};
 }
 
+Punkt Desktopfenster::zeiger() {
+    const QPoint ort = QCursor::pos();
+    return {ort.x(), ort.y()};
+}
+
 Fensterhandle Desktopfenster::vordergrundfenster() {
     if (const auto x11 = X11::verbindung()) return x11->aktivesFenster();
     const QWidget* aktiv = QApplication::activeWindow();

@@ -10,6 +10,7 @@ namespace wendel {
 class Desktopfenster final : public Fenstersystem {
   public:
     Arbeitsbereich arbeitsbereich() override;
+    Punkt zeiger() override;
     Fensterhandle vordergrundfenster() override;
     std::uint64_t fensterThread(Fensterhandle fenster) override;
     // Input queues are nothing that a Linux desktop ties together: does nothing.

@@ -7,11 +7,6 @@
 
 namespace wendel {
 
-struct Punkt {
-    int x = 0, y = 0;
-    friend bool operator==(const Punkt&, const Punkt&) = default;
-};
-
 struct Groesse {
     int breite = 0, hoehe = 0;
     friend bool operator==(const Groesse&, const Groesse&) = default;

@@ -12,6 +12,12 @@ struct Arbeitsbereich {
     int oben = 0, links = 0, rechts = 0, unten = 0;
 };
 
+// A place of the screen in logical pixels.
+struct Punkt {
+    int x = 0, y = 0;
+    friend bool operator==(const Punkt&, const Punkt&) = default;
+};
+
 // The platform operations under the window helpers. They fail silently: false, 0, nothing.
 class Fenstersystem {
   public:
@@ -19,6 +25,8 @@ class Fenstersystem {
 
     // The screen of the pointer without panels.
     virtual Arbeitsbereich arbeitsbereich() = 0;
+    // Where the pointer is.
+    virtual Punkt zeiger() = 0;
 
     virtual Fensterhandle vordergrundfenster() = 0;
     // Identifies who handles the window's input; equal for all windows of one program.
