@@ -40,6 +40,7 @@ EigeneTermine::EigeneTermine(Uhr& uhr, Einstellungen& einstellungen, Hinweisjour
 void EigeneTermine::laden() {
     const std::optional<Variant> array = einstellungen_.arrayOderNichts();
     if (!array) return;
+    gelesen_ = true;
     const Datum jetzt = uhr_.jetzt();
     abgelegt_ = neuGelesen(abgelegt_, termineAusArray(*array), jetzt);
     liste_.clear();
@@ -99,6 +100,7 @@ TerminZeiger EigeneTermine::entfernen(const cTermin& gesucht) {
 }
 
 void EigeneTermine::nachholen() {
+    if (!gelesen_ && !ungespeichert_) laden();  // the start could not
     if (wendel::nachholen(liste_, uhr_.jetzt())) ungespeichert_ = true;
 }
 
@@ -131,7 +133,10 @@ void EigeneTermine::fremdeAenderungenUebernehmen() {
     if (!array || istNeu(*array)) return;
     const auto datei = termineAusArray(*array);
     const bool istVersuch = unveraenderte(versucht_, datei) > unveraenderte(abgelegt_, datei);
-    abgelegt_ = wendel::fremdesUebernehmen(liste_, istVersuch ? versucht_ : abgelegt_, datei, uhr_.jetzt());
+    const Datum jetzt = uhr_.jetzt();
+    abgelegt_ = fremdesUebernehmen(liste_, istVersuch ? versucht_ : abgelegt_, datei, jetzt);
+    // A program that writes what it read before an entry fired brings it back as active.
+    gezeigteWeiterstellen(liste_, journal_, jetzt);
 }
 
 }  // namespace wendel

@@ -35,7 +35,8 @@ class EigeneTermine {
     TerminZeiger uebernehmen(const TerminZeiger& termin, const cTermin& vorher, const cTermin& nachher);
     // Removes the first entry of this moment and text and returns it; null when there is none.
     TerminZeiger entfernen(const cTermin& gesucht);
-    // The catch-up pass over all entries. What it makes active again is to be stored.
+    // The catch-up pass over all entries, read before it if no file could be read so far. What it makes
+    // active again is to be stored.
     void nachholen();
     // An entry was changed in place.
     void geaendert() { ungespeichert_ = true; }
@@ -62,6 +63,7 @@ class EigeneTermine {
     // it can come true later, when the file is repaired.
     Ablage abgelegt_;
     Ablage versucht_;
+    bool gelesen_ = false;
     bool ungespeichert_ = false;
     std::string speicherfehler_;
 };

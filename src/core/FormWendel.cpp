@@ -333,11 +333,11 @@ void FormWendel::VorgemerktesAusfuehren() {
 void FormWendel::TerminNeu() {
     if (!aktionMoeglich(Aktion::Neu)) return;
     TerminZeiger neu;
-    if (!termin_.ShowAndGetTermin(neu) || beendet_) return;
-    neu->Aktiv = true;
-    bestand_.termine().anhaengen(neu);
-    auswahltermin_ = neu;
-    nachTerminaenderung();
+    termin_.ShowAndGetTermin(neu, [&] {
+        bestand_.termine().anhaengen(neu);
+        auswahltermin_ = neu;
+        nachTerminaenderung();
+    });
 }
 
 void FormWendel::TerminBearbeiten() {
@@ -347,9 +347,10 @@ void FormWendel::TerminBearbeiten() {
     if (termin->Art != Terminart::Eigener) return wechselAnbieten(termin->Art);
     const cTermin vorher = *termin;
     TerminZeiger kopie = std::make_shared<cTermin>(vorher);
-    if (!termin_.ShowAndGetTermin(kopie) || beendet_) return;
-    auswahltermin_ = bestand_.termine().uebernehmen(termin, vorher, *kopie);
-    nachTerminaenderung();
+    termin_.ShowAndGetTermin(kopie, [&] {
+        auswahltermin_ = bestand_.termine().uebernehmen(termin, vorher, *kopie);
+        nachTerminaenderung();
+    });
 }
 
 void FormWendel::TerminLoeschen() {

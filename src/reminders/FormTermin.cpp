@@ -2,6 +2,7 @@
 
 #include <cassert>
 #include <memory>
+#include <utility>
 
 #include "platform/Text.h"
 #include "reminders/Termineingabefelder.h"
@@ -26,26 +27,21 @@ Termineingabe alsEingabe(const cTermin& termin) {
 FormTermin::FormTermin(Uhr& uhr, Meldungen& meldungen, FormTerminView& view)
     : uhr_(uhr), meldungen_(meldungen), view_(view) {}
 
-bool FormTermin::ShowAndGetTermin(TerminZeiger& termin) {
-    assert(!offen_);
+bool FormTermin::ShowAndGetTermin(TerminZeiger& termin, const std::function<void()>& bestaetigt) {
+    assert(!offen());
     tag_.clear();
     cTermin neuer;
     neuer.WeckZeit = uhr_.jetzt();
-    neuer.Aktiv = true;
     view_.setzeEingabe(alsEingabe(termin ? *termin : neuer));
-    offen_ = true;
+    Vorgang vorgang{termin, bestaetigt};
+    vorgang_ = &vorgang;
     view_.zeigenModal(kAnfang);
-    offen_ = false;
-    if (tag_ != kOk) return false;
-    if (!termin) termin = std::make_shared<cTermin>(neuer);
-    termin->WeckZeit = bestaetigt_.WeckZeit;
-    termin->WeckText = bestaetigt_.WeckText;
-    termin->Intervall = bestaetigt_.Intervall;
-    return true;
+    if (vorgang_ == &vorgang) vorgang_ = nullptr;  // the program's end
+    return vorgang.ok;
 }
 
 void FormTermin::cmdOK_Click() {
-    if (!offen_) return;
+    if (!offen()) return;
     const Termineingabe eingabe = view_.eingabe();
     const auto tag = tagAusEingabe(eingabe.TextDatum);
     if (!tag) {
@@ -57,21 +53,28 @@ void FormTermin::cmdOK_Click() {
         beanstanden("Die eingegebene Uhrzeit ist ungültig.", "Uhrzeit", Terminfeld::Uhrzeit);
         return;
     }
-    bestaetigt_.WeckZeit = *tag + *uhrzeit;
-    bestaetigt_.WeckText = Left(Trim(eingabe.TextInhalt), kLaengsterWeckText);
-    bestaetigt_.Intervall = eingabe.Intervall;
+    Vorgang& vorgang = *std::exchange(vorgang_, nullptr);
+    if (!vorgang.termin) {
+        vorgang.termin = std::make_shared<cTermin>();
+        vorgang.termin->Aktiv = true;
+    }
+    vorgang.termin->WeckZeit = *tag + *uhrzeit;
+    vorgang.termin->WeckText = Left(Trim(eingabe.TextInhalt), kLaengsterWeckText);
+    vorgang.termin->Intervall = eingabe.Intervall;
+    vorgang.ok = true;
     tag_ = kOk;
     view_.verbergen();
+    if (vorgang.bestaetigt) vorgang.bestaetigt();
 }
 
 void FormTermin::beanstanden(const std::string& text, const std::string& titel, Terminfeld feld) {
     meldungen_.meldung(text, meldungsstil::kKritisch, titel);
-    if (offen_) view_.zumFeld(feld);
+    if (offen()) view_.zumFeld(feld);
 }
 
 void FormTermin::cmdCancel_Click() {
     tag_.clear();
-    if (offen_) view_.verbergen();
+    if (std::exchange(vorgang_, nullptr) != nullptr) view_.verbergen();
 }
 
 }  // namespace wendel

@@ -4,6 +4,7 @@
 // user does. Who keeps and stores the appointment is the main form's affair.
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -52,9 +53,12 @@ class FormTermin {
     // Null: a new entry, which starts with the present minute; the user's confirmation makes it, active. Else
     // the given record is edited: WeckZeit, WeckText and Intervall change when the user confirms, nothing
     // else and not before. True when confirmed; false leaves the argument as it was. Not while offen().
-    bool ShowAndGetTermin(TerminZeiger& termin);
+    // With the confirmation itself, when the argument has changed already, bestaetigt is called: this call
+    // may return much later, when the editor was answered in the midst of a timer's work.
+    bool ShowAndGetTermin(TerminZeiger& termin, const std::function<void()>& bestaetigt = {});
 
-    bool offen() const { return offen_; }
+    // Until the user has confirmed or cancelled.
+    bool offen() const { return vorgang_ != nullptr; }
     void nachVorn() { view_.nachVorn(); }
 
     // What the user does, forwarded by the window. Closing the window and Esc are cmdCancel.
@@ -65,14 +69,19 @@ class FormTermin {
     const std::string& Tag() const { return tag_; }
 
   private:
+    struct Vorgang {
+        TerminZeiger& termin;
+        const std::function<void()>& bestaetigt;
+        bool ok = false;
+    };
+
     void beanstanden(const std::string& text, const std::string& titel, Terminfeld feld);
 
     Uhr& uhr_;
     Meldungen& meldungen_;
     FormTerminView& view_;
     std::string tag_;
-    bool offen_ = false;
-    cTermin bestaetigt_;  // what a valid confirmation makes of the record
+    Vorgang* vorgang_ = nullptr;  // the one that waits for the user
 };
 
 }  // namespace wendel

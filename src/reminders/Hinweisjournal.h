@@ -77,9 +77,10 @@ class Hinweisjournal {
     bool ungeschrieben_ = false;
 };
 
-// To be called on the user's appointments after each loading: a crash can leave the journal written and the
-// appointments not yet stored. Entries that the journal knows are moved on as after firing. True when an
-// entry has changed and the appointments are to be stored.
+// To be called on the user's appointments after each reading of their file: a crash can leave the journal
+// written and the appointments not yet stored, and other programs write back what they read earlier. Entries
+// that the journal knows are moved on as after firing. True when an entry has changed and the appointments
+// are to be stored.
 bool gezeigteWeiterstellen(const Terminliste& termine, Hinweisjournal& journal, Datum jetzt);
 
 // The entries as they were shown, for a notice after a restart: active, of the journal's kind, moment and

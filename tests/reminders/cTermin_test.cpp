@@ -4,8 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <random>
-
 #include "reminders/Zeitpunkt.h"
 
 namespace wendel {
@@ -19,33 +17,12 @@ TerminZeiger termin(const std::string& weckZeit, std::int16_t intervallwert, boo
     return neu;
 }
 
-// The model walks day by day over the calendar and knows no weeks; the other intervals end an entry.
-Datum modell(Datum weckZeit, std::int16_t intervallwert, Datum grenze) {
-    if (intervallwert < 1 || intervallwert > 3) return weckZeit;
-    Datum neu = weckZeit;
-    do {
-        neu = neu.plusSekunden(86400);
-    } while (neu < grenze || (intervallwert == 2 && wochentagAbMontag(neu) > 5) ||
-             (intervallwert == 3 && Weekday(neu) != Weekday(weckZeit)));
-    return neu;
-}
-
-TEST(FiringAnEntry, AgreesWithWalkingDayByDay) {
-    constexpr unsigned kStartwert = 20121224;
-    std::mt19937 zufall(kStartwert);
-    for (int i = 0; i < 3000; ++i) {
-        const Datum weckZeit = zeit("2011-01-01").plusSekunden(zufall() % 86400000);
-        const Datum jetzt = weckZeit.plusSekunden(zufall() % (40 * 86400) / 3600 * 3600);
-        const auto intervallwert = static_cast<std::int16_t>(static_cast<int>(zufall() % 6) - 1);
-        const TerminZeiger eintrag = termin(alsZeit(weckZeit), intervallwert, true);
-        const Datum erwartet = modell(weckZeit, intervallwert, jetzt.plusSekunden(1));
-        nachFeuernWeiterstellen(*eintrag, jetzt);
-        ASSERT_EQ(alsZeit(eintrag->WeckZeit), alsZeit(erwartet))
-            << "seed " << kStartwert << " step " << i << " interval " << intervallwert << " from "
-            << alsZeit(weckZeit) << " at " << alsZeit(jetzt);
-        ASSERT_EQ(eintrag->Aktiv, intervallwert == 1 || intervallwert == 2 || intervallwert == 3)
-            << intervallwert;
-        ASSERT_EQ(eintrag->GefeuertFuer.has_value(), !eintrag->Aktiv);
+// What a firing does to the known repetitions is the simulation's.
+TEST(FiringAnEntry, EndsOneOfAnUnknownRepetition) {
+    for (const int unbekannt : {-1, 0, 4, 32767}) {
+        const TerminZeiger eintrag = termin("2012-12-29 20:15", static_cast<std::int16_t>(unbekannt), true);
+        nachFeuernWeiterstellen(*eintrag, zeit("2013-01-29 20:15"));
+        EXPECT_TRUE(!eintrag->Aktiv && eintrag->GefeuertFuer == eintrag->WeckZeit) << unbekannt;
     }
 }
 
@@ -63,8 +40,6 @@ TEST(CatchUp, StepsInactiveEntriesOnAndWakesEditedOnes) {
         {"once, fired, clock set back", 0, spaeter, spaeter, spaeter, false},
         {"once, fired before it was edited", 0, spaeter, "2012-12-29 20:00", spaeter, true},
         {"daily, lands on this second", 1, "2012-12-01 20:15:00", nullptr, jetzt, false},
-        {"daily, ahead", 1, "2012-12-31 20:00", nullptr, "2012-12-31 20:00", false},
-        {"working day", 2, "2012-12-22 20:15:00", nullptr, "2012-12-31 20:15:00", false},
     };
     for (const Fall& fall : faelle) {
         SCOPED_TRACE(fall.name);
