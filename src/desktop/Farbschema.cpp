@@ -44,8 +44,17 @@ QPalette dunklePalette() {
     farben.setColor(QPalette::LinkVisited, QColor(0xb59af0));
     for (const QPalette::ColorRole rolle : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
         farben.setColor(QPalette::Disabled, rolle, blass);
-    farben.setColor(QPalette::Disabled, QPalette::Highlight, knopf);
-    farben.setColor(QPalette::Disabled, QPalette::HighlightedText, blass);
+    // A question may be about the selected row of the list that it locks.
+    farben.setColor(QPalette::Disabled, QPalette::Highlight, QColor(0x545a64));
+    farben.setColor(QPalette::Disabled, QPalette::HighlightedText, schrift);
+    return farben;
+}
+
+// Menus stand out from the pages that they cover: the style derives their ground from the one colour and
+// their edge from the other.
+QPalette dunkleMenuepalette(QPalette farben) {
+    farben.setColor(QPalette::Base, QColor(0x3a3d42));
+    farben.setColor(QPalette::Window, QColor(0x7c818a));
     return farben;
 }
 
@@ -89,7 +98,9 @@ void Farbschema::wende(const QVariant& wert) {
     const bool dunkel = wert.toUInt() == kLieberDunkel;
     if (dunkel == dunkel_) return;
     dunkel_ = dunkel;
-    QApplication::setPalette(dunkel ? dunklePalette() : QPalette());
+    const QPalette farben = dunkel ? dunklePalette() : QPalette();
+    QApplication::setPalette(farben);
+    QApplication::setPalette(dunkel ? dunkleMenuepalette(farben) : farben, "QMenu");
 }
 
 }  // namespace wendel

@@ -8,6 +8,7 @@
 #include <QWidget>
 
 #include "core/FormWendelView.h"
+#include "desktop/Eingabesperre.h"
 
 class QLabel;
 class QPushButton;
@@ -63,6 +64,7 @@ class FormWendelFenster final : public QWidget, public FormWendelView {
     QString merkdatei_;
     QByteArray lage_;
     QTimer lagezeit_;
+    Eingabesperre eingabesperre_;
     QString statustext_;
     FormWendel* form_ = nullptr;
     TermineListView* listViewTermineListe_;

@@ -8,7 +8,8 @@ import ctypes, os, re, shutil, subprocess, sys, tempfile, time
 PROGRAMM = os.environ['WENDEL_PROGRAMM']
 DATEN = os.environ.get('WENDEL_DATEN', '')
 BILDER = os.environ.get('WENDEL_BILDER', '')
-HINWEIS, LISTE = 'Lomrick - Hinweis', 'Lomrick'
+HINWEIS, LISTE, EDITOR = 'Lomrick - Hinweis', 'Lomrick', 'Erinnerung'
+QUILLON = os.path.join(os.path.dirname(PROGRAMM), 'quillon')
 HIER = os.path.dirname(os.path.abspath(__file__))
 WIRT = os.path.join(HIER, '..', 'tools', 'sni-host')
 
@@ -106,6 +107,31 @@ def aktiviere(f):
     warte(lambda: int(aktiv(), 16) == int(f, 16), 'the window is active')
 
 
+def warte_aktiv(name, sekunden=10.0):
+    f = warte_fenster(name, sekunden)
+    warte(lambda: int(aktiv(), 16) == int(f, 16), f'"{name}" has the keyboard', sekunden)
+    return f
+
+
+def tippe(text, *tasten):
+    lauf('xdotool', 'type', '--delay', '15', text)
+    if tasten:
+        taste(*tasten)
+
+
+def beantworte(name, *tasten):
+    warte_aktiv(name)
+    taste(*tasten)
+    warte_weg(name, 3)
+
+
+def beantworte_hinweis(*tasten):
+    aktiviere(warte_fenster(HINWEIS, 40))
+    time.sleep(0.3)  # the guard of its OK
+    taste(*tasten)
+    warte_weg(HINWEIS, 3)
+
+
 def bild(name):
     if BILDER:
         os.makedirs(BILDER, exist_ok=True)
@@ -157,14 +183,26 @@ class Lomrick:
         return self
 
     def termine(self, *termine):
-        """Stores own appointments, "dd.mm.yyyy hh:nn:ss|0|ja|Text", before a start."""
-        quillon = os.path.join(os.path.dirname(PROGRAMM), 'quillon')
-        if not os.path.exists(quillon):
+        """Stores own appointments, "dd.mm.yyyy hh:nn:ss|0|ja|Text"."""
+        if not os.path.exists(QUILLON):
             skip('quillon is not built')
-        befehl = [quillon, '--ordner', self.ordner, '--anlegen']
+        befehl = [QUILLON, '--ordner', self.ordner, '--anlegen']
         for termin in termine:
             befehl += ['--setze', 'Termin=' + termin]
         subprocess.run(befehl, check=True, env=self.umgebung(), stdout=subprocess.DEVNULL)
+
+    def erinnere(self, text):
+        """A notice of this text comes up at once in the running program."""
+        self.termine(f'24.12.2012 12:00:00|0|ja|{text}')
+        self.sende('refreshkonfig')
+        return warte_fenster(HINWEIS)
+
+    def gespeichert(self):
+        ausgabe = lauf(QUILLON, '--ordner', self.ordner, '--zeige', 'Termin', frist=30)
+        return [z.removeprefix('Termin=') for z in ausgabe.split('\n') if z.startswith('Termin=')]
+
+    def warte_gespeichert(self, *termine):
+        warte(lambda: self.gespeichert() == list(termine), f'{termine} stored', 5)
 
     def laeuft(self):
         return self.prozess.poll() is None
@@ -180,3 +218,10 @@ class Lomrick:
     def sende(self, zeile):
         lauf('dbus-send', '--session', '--print-reply', '--dest=Wendel.Open', '/Wendel/Open',
              'Wendel.Open.DoThis', 'string:' + zeile)
+
+
+def pruefe_alle(*faelle):
+    for fall in faelle:
+        print(fall.__name__, flush=True)
+        fall()
+    print('passed')
