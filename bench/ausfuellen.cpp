@@ -79,7 +79,7 @@ Messwerte misst(int anzahl) {
     FakeHinweisView hinweis(welt.ports.aufrufe);
     FakeTerminView editor;
     FormWendelFenster fenster{QString()};
-    Anwendung anwendung(welt.ports.ports(), fenster, hinweis, editor,
+    Anwendung anwendung(welt.ports.ports(), fenster, hinweis, editor, welt.menues,
                         {"wendel", "/m", kTestordner, [] { return true; }});
     fenster.setzeForm(anwendung.formWendel());
     anwendung.starten();

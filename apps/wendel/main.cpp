@@ -15,6 +15,7 @@
 #include "desktop/Anzeigepruefung.h"
 #include "desktop/BusAutomation.h"
 #include "desktop/Desktopfenster.h"
+#include "desktop/Desktopmenues.h"
 #include "desktop/DeutscheTexte.h"
 #include "desktop/Einzelinstanz.h"
 #include "desktop/EndeSignal.h"
@@ -95,6 +96,7 @@ class Programm {
           datenbanken_(uhr_, [](const std::string& pfad) { return nativerPfad(pfad); }),
           ports_{uhr_,     unterbau.dateien, meldungen_, fenster_, klang_,      prozesse_,
                  starter_, automation_,      symbol_,    rechner_, datenbanken_},
+          menues_(unterbau.programmordner),
           dienst_([this](const std::string& text) { anwendung_->DoThis(text); }),
           takt_(uhr_, [this] { anwendung_->tick(); }),
           versteckt_(InStr(LCase(zeile), "/m") > 0) {
@@ -105,7 +107,7 @@ class Programm {
         terminFenster_.setzeSperre([this](bool gesperrt) { listensperre_.setze(gesperrt); });
         uhr_.setzeNachrichten([] { QCoreApplication::processEvents(); });
         anwendung_ = std::make_unique<Anwendung>(
-            ports_, wendelFenster_, hinweisFenster_, terminFenster_,
+            ports_, wendelFenster_, hinweisFenster_, terminFenster_, menues_,
             Startumgebung{"wendel", zeile, unterbau.programmordner, [this] { return einzigeKopie(); }});
         wendelFenster_.setzeForm(anwendung_->formWendel());
         hinweisFenster_.setzeForm(anwendung_->formHinweis());
@@ -114,6 +116,9 @@ class Programm {
             [this](std::uint32_t nachricht, std::uintptr_t kennung, std::uintptr_t maus) {
                 anwendung_->fensterNachricht(nachricht, kennung, maus);
             });
+        symbol_.setzeEinfachesMenue(
+            [this](bool frisch) { return anwendung_->formWendel().einfachesMenue(frisch); },
+            [this](const Menuebefehl& befehl) { anwendung_->formWendel().menuebefehlAusfuehren(befehl); });
         // Without a tray the list is the only way to see that the program runs.
         symbol_.setzeOhneWirt([this] {
             if (!versteckt_) anwendung_->formWendel().zeigen();
@@ -159,6 +164,7 @@ class Programm {
     FormTerminFenster terminFenster_{wendelFenster_};
     Fenstersperre listensperre_{wendelFenster_, [this] { terminFenster_.nachVorn(); }};
     Fenstersperre editorsperre_{terminFenster_, [this] { terminFenster_.nachVorn(); }};
+    Desktopmenues menues_;
     std::unique_ptr<Anwendung> anwendung_;
     WendelOpen dienst_;
     Sekundentakt takt_;

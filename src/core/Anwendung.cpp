@@ -9,6 +9,7 @@
 #include "core/Hinweisausgabe.h"
 #include "core/ModulInterneKommunikation.h"
 #include "core/Start.h"
+#include "core/Traymenue.h"
 #include "core/WeckTimer.h"
 #include "reminders/FormHinweis.h"
 #include "reminders/FormTermin.h"
@@ -36,6 +37,28 @@ class Hinweisempfaenger : public FormHinweisEmpfaenger {
     FormWendel* form_ = nullptr;
 };
 
+// What the tray menu sets going. The form is made after the menu, which it shows.
+class Menueausfuehrung : public Menueaktionen {
+  public:
+    explicit Menueausfuehrung(ModulInterneKommunikation& hauptanwendung) : hauptanwendung_(hauptanwendung) {}
+    void verbinde(FormWendel& form) { form_ = &form; }
+
+    void kurzzeitWecker(std::int16_t minuten) override { form_->KurzZeitWeckerAktivieren(minuten); }
+    void wendelAnzeigen() override { form_->zeigenUndNachVorn(); }
+    void hauptanwendung(const std::string& befehlstext) override {
+        hauptanwendung_.StartMainApplication(befehlstext);
+    }
+    void beenden() override { form_->mnuBeenden_Click(); }
+    void nachErinnern() override { form_->nachErinnern(); }
+    // Nothing here reaches the TV application, so the menu never offers it.
+    bool kannImTVZeigen() override { return false; }
+    void imTVZeigen(const std::string&) override {}
+
+  private:
+    ModulInterneKommunikation& hauptanwendung_;
+    FormWendel* form_ = nullptr;
+};
+
 Prozesswerte anfangswerte(const Startumgebung& umgebung) {
     Prozesswerte werte;
     werte.programmdatei = umgebung.programmdatei;
@@ -48,7 +71,7 @@ Prozesswerte anfangswerte(const Startumgebung& umgebung) {
 
 struct Anwendung::Teile {
     Teile(const Ports& p, FormWendelView& wendelView, FormHinweisView& hinweisView,
-          FormTerminView& terminView, Startumgebung umgebung)
+          FormTerminView& terminView, Menueumgebung& menueumgebung, Startumgebung umgebung)
         : ports(p),
           werte(anfangswerte(umgebung)),
           bestand(ports, werte),
@@ -56,11 +79,14 @@ struct Anwendung::Teile {
           hinweis(ports.uhr, hinweisView, empfaenger),
           termin(ports.uhr, ports.meldungen, terminView),
           hauptanwendung(ports, werte),
-          wendel(ports, bestand, hinweis, termin, hauptanwendung, wendelView),
+          menueausfuehrung(hauptanwendung),
+          menue(ports.fenster, bestand, menueumgebung, menueausfuehrung),
+          wendel(ports, bestand, hinweis, termin, hauptanwendung, menue, wendelView),
           ausgabe(ports, bestand, hinweis),
           weckTimer(ports, bestand, wendel, ausgabe),
           start(ports, werte, bestand, wendel, ausgabe, std::move(umgebung.einzigeKopie)) {
         empfaenger.verbinde(wendel);
+        menueausfuehrung.verbinde(wendel);
     }
 
     Ports ports;
@@ -70,6 +96,8 @@ struct Anwendung::Teile {
     FormHinweis hinweis;
     FormTermin termin;
     ModulInterneKommunikation hauptanwendung;
+    Menueausfuehrung menueausfuehrung;
+    Traymenue menue;
     FormWendel wendel;
     Hinweisausgabe ausgabe;
     WeckTimer weckTimer;
@@ -81,8 +109,9 @@ struct Anwendung::Teile {
 };
 
 Anwendung::Anwendung(const Ports& ports, FormWendelView& wendelView, FormHinweisView& hinweisView,
-                     FormTerminView& terminView, Startumgebung umgebung)
-    : teile_(std::make_unique<Teile>(ports, wendelView, hinweisView, terminView, std::move(umgebung))) {}
+                     FormTerminView& terminView, Menueumgebung& menueumgebung, Startumgebung umgebung)
+    : teile_(std::make_unique<Teile>(ports, wendelView, hinweisView, terminView, menueumgebung,
+                                     std::move(umgebung))) {}
 
 Anwendung::~Anwendung() = default;
 

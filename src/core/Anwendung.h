@@ -11,6 +11,7 @@
 #include "core/FormWendelView.h"
 #include "platform/Ports.h"
 #include "platform/Prozesswerte.h"
+#include "traymenu/FormBrannikMenueView.h"
 
 namespace wendel {
 
@@ -38,9 +39,9 @@ enum class Startergebnis {
 
 class Anwendung {
   public:
-    // Ports and views outlive the object. The views may be called from starten() on.
+    // Ports, views and menueumgebung outlive the object. The views may be called from starten() on.
     Anwendung(const Ports& ports, FormWendelView& wendelView, FormHinweisView& hinweisView,
-              FormTerminView& terminView, Startumgebung umgebung);
+              FormTerminView& terminView, Menueumgebung& menueumgebung, Startumgebung umgebung);
     ~Anwendung();
     Anwendung(const Anwendung&) = delete;
     Anwendung& operator=(const Anwendung&) = delete;
@@ -52,7 +53,8 @@ class Anwendung {
     void tick();
     // Open.DoThis of "Wendel.Open".
     void DoThis(const std::string& text);
-    // Messages of the icon: (1025, 1, 515) is a double click. True when taken.
+    // Messages of the icon: (1025, 1, 515) is a double click, (1025, 1, 517) the right button's
+    // release. True when taken.
     bool fensterNachricht(std::uint32_t nachricht, std::uintptr_t wParam, std::uintptr_t lParam);
     // The system asks the program to end (SIGTERM, end of session).
     void beenden();

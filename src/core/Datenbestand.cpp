@@ -17,6 +17,11 @@ namespace {
 constexpr std::int64_t kFrischeSekunden = 60;
 constexpr int kNurLesbar = 3027;  // of the engine: the database or its folder cannot be written
 
+Ports mitMeldungen(const Ports& ports, Meldungen& meldungen) {
+    return {ports.uhr,     ports.dateien,    meldungen,    ports.fenster, ports.klang,      ports.prozesse,
+            ports.starter, ports.automation, ports.symbol, ports.rechner, ports.datenbanken};
+}
+
 bool localeVerwenden(const Ports& ports, const std::string& titel, const std::string& was,
                      const std::string& pfad, const std::string& ersatz) {
     const std::string text = was + " \"" + ports.dateien.pfadAnzeige(pfad) +
@@ -38,8 +43,11 @@ Datenbestand::Datenbestand(const Ports& ports, Prozesswerte& werte)
     : ports_(ports),
       werte_(werte),
       einstellungen_(ports.dateien, werte.programmordner),
-      zugriff_(ports, einstellungen_, werte),
+      rueckfragen_(ports.meldungen),
+      zugriff_(mitMeldungen(ports, rueckfragen_), einstellungen_, werte),
       sender_(zugriff_),
+      menuelisten_(ports, zugriff_, sender_),
+      tagestipp_(ports.uhr, zugriff_, sender_),
       journal_(ports.dateien, werte.programmordner),
       termine_(ports.uhr, einstellungen_, journal_) {}
 
@@ -220,6 +228,53 @@ bool Datenbestand::aufzeichnungenLesen(Terminabfragen& abfragen, Datum jetzt) {
         senderkennungen(), jetzt, konfiguration_.vorlaufMinuten, konfiguration_.nachlaufMinuten);
     if (abfrage.gelungen) aufzeichnungen_ = std::move(abfrage.termine);
     return abfrage.gelungen;
+}
+
+// ---- what the tray menu shows ----
+
+void Datenbestand::menueLesen() {
+    if (zugriffLaeuft_) return;
+    bool gelungen = false;
+    {
+        const Laufend laufend(zugriffLaeuft_);
+        // After the first box that was declined there is no second one.
+        gelungen = senderBereit() && menuelisten_.auffrischen() && tippLesen();
+    }
+    // What ticks and control lines have put off during a box.
+    if (abfrageNachholen_ && gelungen && !rueckfragen_.ablehnen) abfragen();
+}
+
+void Datenbestand::menueLesenOhneKaesten() {
+    // Without channels there is nothing to list, and a locked database takes its time to say so.
+    if (!senderGeladen_) return;
+    const Laufend unbeaufsichtigt(rueckfragen_.ablehnen);
+    menueLesen();
+}
+
+void Datenbestand::tippLesenOhneKaesten() {
+    if (zugriffLaeuft_) return;
+    const Laufend laufend(zugriffLaeuft_), unbeaufsichtigt(rueckfragen_.ablehnen);
+    static_cast<void>(tippLesen());
+}
+
+bool Datenbestand::tippLesen() {
+    if (!konfiguration_.tagestipp) return true;
+    try {
+        tagestipp_.fuellen();
+        return true;
+    } catch (const Fehler&) {
+        return false;  // the access layer has told the user who is there, and its log has it
+    }
+}
+
+void Datenbestand::menueVeraltet() {
+    menuelisten_.veralten();
+    tagestipp_.verwerfen();
+}
+
+const Tagestippfelder* Datenbestand::tagestipp() const {
+    if (!konfiguration_.tagestipp) return nullptr;
+    return tagestipp_.vonHeute() ? &tagestipp_.felder() : &keinTipp_;
 }
 
 }  // namespace wendel

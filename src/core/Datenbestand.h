@@ -1,8 +1,8 @@
 #pragma once
 // What the program knows and how each part of it is read again: settings, paths, channels, the three
-// collections of entries. Start-up reads everything once, a control line some of it, the tick what a fired
-// entry has changed. A reading that fails keeps what was known before. Shows nothing but the boxes of the two
-// path questions and of the database access.
+// collections of entries, what the tray menu shows. Start-up reads everything once, a control line some of
+// it, the tick what a fired entry has changed. A reading that fails keeps what was known before. Shows
+// nothing but the boxes of the two path questions and of the database access.
 
 #include <string>
 #include <vector>
@@ -13,6 +13,8 @@
 #include "reminders/ErinnerungenLesen.h"
 #include "reminders/Hinweisjournal.h"
 #include "reminders/cTermin.h"
+#include "traymenu/Menuelisten.h"
+#include "traymenu/Tagestipp.h"
 #include "tvdb/Einstellungen.h"
 #include "tvdb/Einstellungstabelle.h"
 #include "tvdb/Markierungspflege.h"
@@ -64,6 +66,24 @@ class Datenbestand {
     // An access is under way; its boxes let the user, ticks and control lines act meanwhile.
     bool zugriffLaeuft() const { return zugriffLaeuft_; }
 
+    // --- what the tray menu shows ---
+
+    // The lists of broadcasts and the day's tip, each asked for only when the answer can be another one. For
+    // the user who waits for the menu: what fails brings a box. Does nothing while an access is under way.
+    void menueLesen();
+    // The same, and the tip alone, when nobody has asked: what fails is tried again at the next occasion. A
+    // box would stand there for hours and keep back whatever comes after this call.
+    void menueLesenOhneKaesten();
+    void tippLesenOhneKaesten();
+    // The panel of the tip is wanted, and no tip of today is known.
+    bool tippFehlt() const { return konfiguration_.tagestipp && !tagestipp_.vonHeute(); }
+    // The data have changed: all of it is asked for anew at the next reading.
+    void menueVeraltet();
+    const Menuelisten& menuelisten() const { return menuelisten_; }
+    // Null while the panel is not wanted.
+    const Tagestippfelder* tagestipp() const;
+    const Sendersammlung& sender() const { return sender_.alle(); }
+
     // --- the entries ---
 
     const Terminliste& eigene() const { return termine_.liste(); }
@@ -75,7 +95,24 @@ class Datenbestand {
     const Prozesswerte& werte() const { return werte_; }
 
   private:
+    // The boxes of the database access, or none of them: then each is declined at once.
+    struct Rueckfragen : Meldungen {
+        explicit Rueckfragen(Meldungen& gezeigte) : gezeigte_(gezeigte) {}
+        Antwort meldung(const std::string& text, int stil, const std::string& titel) override {
+            return ablehnen ? Antwort::Abbrechen : gezeigte_.meldung(text, stil, titel);
+        }
+        void zeigeFehlerOhneWarten(const std::string& text, int nummer, const std::string& quelle,
+                                   const std::string& beschreibung, const std::string& titel) override {
+            gezeigte_.zeigeFehlerOhneWarten(text, nummer, quelle, beschreibung, titel);
+        }
+        bool ablehnen = false;
+
+      private:
+        Meldungen& gezeigte_;
+    };
+
     bool senderBereit();
+    bool tippLesen();
     Terminabfragen terminabfragen();
     std::vector<std::string> senderkennungen() const;
     void zugreifen(bool pflegen);
@@ -90,8 +127,12 @@ class Datenbestand {
     const Ports& ports_;
     Prozesswerte& werte_;
     Einstellungen einstellungen_;
+    Rueckfragen rueckfragen_;
     ModulDatenbankzugriff zugriff_;
     Senderliste sender_;
+    Menuelisten menuelisten_;
+    Tagestipp tagestipp_;
+    const Tagestippfelder keinTipp_;
     Hinweisjournal journal_;
     EigeneTermine termine_;
     Konfiguration konfiguration_;

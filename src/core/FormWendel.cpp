@@ -8,6 +8,7 @@
 #include "core/Laufend.h"
 #include "core/Liveupdatetext.h"
 #include "core/ModulInterneKommunikation.h"
+#include "core/Traymenue.h"
 #include "platform/Fehler.h"
 #include "platform/ModulFenster.h"
 #include "platform/Text.h"
@@ -43,12 +44,13 @@ Steuerwort steuerwort(std::string_view zeile) {
 }  // namespace
 
 FormWendel::FormWendel(const Ports& ports, Datenbestand& bestand, FormHinweis& hinweis, FormTermin& termin,
-                       ModulInterneKommunikation& hauptanwendung, FormWendelView& view)
+                       ModulInterneKommunikation& hauptanwendung, Traymenue& menue, FormWendelView& view)
     : ports_(ports),
       bestand_(bestand),
       hinweis_(hinweis),
       termin_(termin),
       hauptanwendung_(hauptanwendung),
+      menue_(menue),
       view_(view) {}
 
 // ---- control lines, messages ----
@@ -83,6 +85,9 @@ void FormWendel::createTermin() {
 }
 
 void FormWendel::RefreshTVDaten() {
+    bestand_.menueVeraltet();
+    bestand_.tippLesenOhneKaesten();
+    menue_.verwerfen();
     Ausfüllen();
     TaskBarIconAktualisieren();
 }
@@ -98,6 +103,7 @@ void FormWendel::refreshKonfig() {
 
 void FormWendel::konfigNeuLesen() {
     static_cast<void>(bestand_.speichernWennNoetig());
+    menue_.verwerfen();
     bestand_.einstellungenLesen();
     bestand_.pfadeBestimmen();
     bestand_.hauptanwendungTitelLesen();
@@ -113,13 +119,17 @@ void FormWendel::konfigNeuLesen() {
     bestand_.termine().nachholen();
     static_cast<void>(bestand_.speichernWennNoetig());
     Ausfüllen();
+    bestand_.menueVeraltet();
+    menueAufbauen();
     TaskBarIconAktualisieren();
 }
 
 bool FormWendel::fensterNachricht(std::uint32_t nachricht, std::uintptr_t, std::uintptr_t lParam) {
     if (nachricht != kIconNachricht || !mausreaktion_) return false;
     // With a notice on the screen the user answers that first.
-    if (!hinweis_.offen() && lParam == kMausLinksDoppelklick) iconDoppelklick();
+    if (hinweis_.offen()) return true;
+    if (lParam == kMausLinksDoppelklick) iconDoppelklick();
+    if (lParam == kMausRechtsLos) iconRechtsklick();
     return true;
 }
 
@@ -129,6 +139,39 @@ void FormWendel::iconDoppelklick() {
     } else {
         zeigenUndNachVorn();
     }
+}
+
+// What would have to wait for the answer to a box opens the menu with what is known; so does what has no
+// time for a query. The box of this very call is answered first.
+void FormWendel::iconRechtsklick() {
+    if (menueOeffnet_) return;
+    const Laufend laufend(menueOeffnet_);
+    if (!wuerdeAufhalten()) bestand_.menueLesen();
+    if (!beendet_ && !hinweis_.offen()) menue_.zeigen();
+}
+
+// ---- the tray menu ----
+
+void FormWendel::menueAufbauen() {
+    if (beendet_) return;
+    bestand_.menueLesenOhneKaesten();
+    menue_.bauen();
+}
+
+std::vector<EinfacherEintrag> FormWendel::einfachesMenue(bool frisch) {
+    if (!mausreaktion_) return {};
+    if (frisch && !wuerdeAufhalten()) bestand_.menueLesenOhneKaesten();
+    return menue_.einfach(tooltip());
+}
+
+void FormWendel::menuebefehlAusfuehren(const Menuebefehl& befehl) {
+    if (mausreaktion_) menue_.ausfuehren(befehl);
+}
+
+void FormWendel::nachErinnern() {
+    bestand_.abfragen();
+    Ausfüllen();
+    TaskBarIconAktualisieren();
 }
 
 // ---- the window ----
@@ -280,9 +323,11 @@ void FormWendel::iconHinzufuegen() {
     ports_.symbol.hinzufuegen(*icon_);
 }
 
-void FormWendel::TaskBarIconAktualisieren() {
-    TaskbarUpdateIcon(tooltipText(bestand_.eigene(), bestand_.erinnerungen(), bestand_.aufzeichnungen(),
-                                  ports_.uhr.jetzt()));
+void FormWendel::TaskBarIconAktualisieren() { TaskbarUpdateIcon(tooltip()); }
+
+std::string FormWendel::tooltip() const {
+    return tooltipText(bestand_.eigene(), bestand_.erinnerungen(), bestand_.aufzeichnungen(),
+                       ports_.uhr.jetzt());
 }
 
 void FormWendel::TaskbarUpdateIcon(std::string_view tipp) {
@@ -433,6 +478,7 @@ void FormWendel::ExitProgram() {
     if (icon_) ports_.symbol.entfernen(kIconKennung);
     mausreaktion_ = false;
     view_.entladen();
+    menue_.verwerfen();
 }
 
 }  // namespace wendel

@@ -15,6 +15,7 @@
 #include "core/TaskbarIcon.h"
 #include "core/Terminzeilen.h"
 #include "platform/Ports.h"
+#include "traymenu/EinfachesMenue.h"
 
 namespace wendel {
 
@@ -22,15 +23,17 @@ class Datenbestand;
 class FormHinweis;
 class FormTermin;
 class ModulInterneKommunikation;
+class Traymenue;
 
-// Mouse message that the icon sends in the second parameter of kIconNachricht.
+// Mouse messages that the icon sends in the second parameter of kIconNachricht.
 inline constexpr std::uint32_t kMausLinksDoppelklick = 515;
+inline constexpr std::uint32_t kMausRechtsLos = 517;
 
 class FormWendel {
   public:
     // All arguments outlive the form.
     FormWendel(const Ports& ports, Datenbestand& bestand, FormHinweis& hinweis, FormTermin& termin,
-               ModulInterneKommunikation& hauptanwendung, FormWendelView& view);
+               ModulInterneKommunikation& hauptanwendung, Traymenue& menue, FormWendelView& view);
 
     // --- what other programs and the system send ---
 
@@ -98,6 +101,14 @@ class FormWendel {
     // What to refresh after the broadcasts' data have changed.
     void RefreshTVDaten();
 
+    // Builds the tray menu, so that it is there at once when it is asked for.
+    void menueAufbauen();
+    // Its entries for a host that shows plain menus only; with frisch what is stale of them is read before.
+    std::vector<EinfacherEintrag> einfachesMenue(bool frisch);
+    void menuebefehlAusfuehren(const Menuebefehl& befehl);
+    // The main application was told to mark a broadcast.
+    void nachErinnern();
+
     // A new entry of the user's (a snoozed notice): appended, shown in the list, stored.
     void terminHinzufuegen(const TerminZeiger& termin);
 
@@ -132,6 +143,8 @@ class FormWendel {
     void nachTerminaenderung();
     void speicherfehlerMelden();
     void iconDoppelklick();
+    void iconRechtsklick();
+    std::string tooltip() const;
     IconDatensatz datensatz(std::string_view tipp);
 
     const Ports& ports_;
@@ -139,6 +152,7 @@ class FormWendel {
     FormHinweis& hinweis_;
     FormTermin& termin_;
     ModulInterneKommunikation& hauptanwendung_;
+    Traymenue& menue_;
     FormWendelView& view_;
 
     std::vector<Terminzeile> zeilen_;
@@ -158,6 +172,7 @@ class FormWendel {
     bool konfigLaeuft_ = false;
     bool konfigVeraltet_ = false;
     bool bereit_ = false;
+    bool menueOeffnet_ = false;
     bool frageOffen_ = false;
     bool speicherfehlerGemeldet_ = false;
     bool speicherfehlerZuMelden_ = false;

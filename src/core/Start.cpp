@@ -97,6 +97,7 @@ void Start::datenLaden() {
         static_cast<void>(bestand_.speichernWennNoetig());
         form_.Ausfüllen();
     });
+    mitFehlerfalle([this] { form_.menueAufbauen(); });
 }
 
 void Start::formZeigen() {

@@ -6,6 +6,7 @@
 #include "core/Datenbestand.h"
 #include "core/FormWendel.h"
 #include "core/Hinweisausgabe.h"
+#include "platform/ModulProzessliste.h"
 
 namespace wendel {
 
@@ -15,6 +16,8 @@ constexpr std::int64_t kLueckeSekunden = 60;
 constexpr int kWartezeitMs = 1200;
 constexpr int kZeichenzeitMs = 200;
 constexpr int kScheibeMs = 100;
+constexpr std::int64_t kTippAbstandSekunden = 300;
+constexpr const char* kLiveUpdateProgramm = "skarvel.exe";
 
 class Beschaeftigt {
   public:
@@ -45,13 +48,14 @@ bool neueMinute(Datum letzter, Datum jetzt) {
 WeckTimer::WeckTimer(const Ports& ports, Datenbestand& bestand, FormWendel& form, Hinweisausgabe& ausgabe)
     : ports_(ports), bestand_(bestand), form_(form), ausgabe_(ausgabe) {}
 
-void WeckTimer::starten() { letzterTick_ = wachBis_ = ports_.uhr.jetzt(); }
+void WeckTimer::starten() { letzterTick_ = wachBis_ = tippZeit_ = ports_.uhr.jetzt(); }
 
 void WeckTimer::Timer() {
     if (form_.beschaeftigt() || form_.beendet()) return;
     const Datum beginn = ports_.uhr.jetzt();
     try {
         schritte(beginn);
+        tagestippNachholen(beginn);
     } catch (const std::exception&) {
         // Nobody may be there to read a box, and one a second would bury the screen. What is still due comes
         // with the next tick.
@@ -127,6 +131,19 @@ void WeckTimer::nachzueglerHinweisen() {
     sammleFaellige(bestand_.eigene(), jetzt, eigene);
     if (eigene.empty()) bestand_.abfragen();
     auffrischen();
+}
+
+// Every five minutes while there is none, once a day therefore: the menu is to have it at once. After what
+// was due, which must not wait for a query. The updater is left alone while it writes.
+void WeckTimer::tagestippNachholen(Datum jetzt) {
+    const bool faellig = jetzt.sekunden() % kTippAbstandSekunden == 0 ||
+                         DateDiff(Einheit::Minute, tippZeit_, jetzt) > kTippAbstandSekunden / 60;
+    if (!faellig || form_.beendet() || !bestand_.tippFehlt() ||
+        ModulProzessliste::IsProcessRunning(ports_.prozesse, kLiveUpdateProgramm))
+        return;
+    const Beschaeftigt waehrenddessen(form_);
+    tippZeit_ = jetzt;
+    bestand_.tippLesenOhneKaesten();
 }
 
 void WeckTimer::auffrischen() {

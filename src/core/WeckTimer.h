@@ -31,6 +31,7 @@ class WeckTimer {
     void hinweisenUndNachlesen(const Terminliste& faellige, Datum jetzt);
     void nachzueglerHinweisen();
     bool warten(int dauerMs);
+    void tagestippNachholen(Datum jetzt);
     void auffrischen();
 
     const Ports& ports_;
@@ -38,6 +39,7 @@ class WeckTimer {
     FormWendel& form_;
     Hinweisausgabe& ausgabe_;
     Datum letzterTick_;
+    Datum tippZeit_;
     // Until when the program is known to have watched: the end of the last tick, as a box inside a tick is no
     // gap.
     Datum wachBis_;

@@ -5,10 +5,9 @@
 namespace wendel {
 
 void Tagestipp::fuellen() {
-    const Datum heute = uhr_.jetzt().datumsteil();
-    if (!tipp_ || tipp_->Datum() != heute) {
+    if (!vonHeute()) {
         felder_ = {};  // also when asking fails: an old tip is none
-        tipp_ = abfragen(heute);
+        tipp_ = abfragen(uhr_.jetzt().datumsteil());
     }
     if (!tipp_) return;
     felder_ = {tipp_->Titel,

@@ -40,6 +40,9 @@ class Tagestipp {
     // The next fuellen() asks again: the data have changed. felder() stay until then.
     void verwerfen() { tipp_.reset(); }
 
+    // A tip of today is known: fuellen() asks nothing.
+    bool vonHeute() const { return tipp_ && tipp_->Datum() == uhr_.jetzt().datumsteil(); }
+
     const Tagestippfelder& felder() const { return felder_; }
 
   private:

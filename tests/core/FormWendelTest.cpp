@@ -46,7 +46,7 @@ TEST_F(Steuerzeilen, RefreshKonfigReadsEverythingAgainThatCanBeRead) {
     for (int mal = 0; mal < 2; ++mal) {
         anwendung->DoThis("refreshkonfig");
         EXPECT_EQ(fenster->zeilen.at(0).text, "neu");
-        EXPECT_THAT(ports.datenbanken->anweisungen().back(), testing::HasSubstr("in('ARD','ZDF')"));
+        EXPECT_THAT(ports.datenbanken->anweisungen().end()[-6], testing::HasSubstr("in('ARD','ZDF')"));
         ports.dateien.lege("\\suite\\fennow.cfg", unlesbar);
     }
     EXPECT_EQ(ports.dateien.inhalt("\\suite\\fennow.cfg"), unlesbar);

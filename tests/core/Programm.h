@@ -15,9 +15,11 @@
 #include "reminders/FormHinweis.h"
 #include "reminders/FormTermin.h"
 #include "support/Fakes.h"
+#include "traymenu/FakeMenue.h"
 #include "tvdb/Einstellungen.h"
 #include "tvdb/Einstellungstabelle.h"
 #include "tvdb/ModulGrundbefehle.h"
+#include "tvdb/cSendung.h"
 
 namespace wendel {
 
@@ -122,12 +124,18 @@ struct Markierung {
 struct FakeTvDaten {
     std::vector<std::string> sender = {"ARD"};
     std::vector<Markierung> markierungen;
+    // Titles of broadcasts: what runs now, and the best one of each day. None for "".
+    std::string laeuft, tipp = "Ein Fest";
     bool gesperrt = false;
     int sperrnummer = 3260;
 
     std::optional<FakeAntwort> antwort(const std::string& sql, Datum jetzt) {
         if (gesperrt) return Fehler(sperrnummer, "DAO.Database", "Gesperrt.");
         if (sql.find("from Sender ") != std::string::npos) return sendertabelle();
+        if (sql.find("Bewertung=4") != std::string::npos) return sendungstabelle(tipp, jetzt);
+        if (sql.find("Select * from Sendungen") != std::string::npos ||
+            sql.find("Sendungen.* ") != std::string::npos)
+            return sendungstabelle(sql.find("Ende>") != std::string::npos ? laeuft : "", jetzt);
         if (sql.find("Select Distinct") == std::string::npos) return pflege(sql, jetzt);
         const bool erinnerungen = sql.find("Erinnerung=true") != std::string::npos;
         FakeTabelle tabelle{{"Optionen", "Datum", "Uhrzeit", "Dauer", "Sendung", "Senderkennung"}, {}};
@@ -151,6 +159,14 @@ struct FakeTvDaten {
             });
         }
         return FakeTabelle{};
+    }
+    static FakeAntwort sendungstabelle(const std::string& titel, Datum jetzt) {
+        FakeTabelle tabelle{Split("Pos," + cSendung::GetFelderNamenSendungen(), ","), {}};
+        if (titel.empty()) return tabelle;
+        auto& zeile = tabelle.zeilen.emplace_back(tabelle.spalten.size(), Variant::null());
+        zeile[0] = Variant::lang(77), zeile[1] = Variant::text("ARD"), zeile[2] = Variant::datum(jetzt);
+        zeile[3] = Variant::datum(DateAdd(Einheit::Stunde, 1, jetzt)), zeile[4] = Variant::text(titel);
+        return tabelle;
     }
     FakeAntwort sendertabelle() const {
         FakeTabelle tabelle{
@@ -180,6 +196,7 @@ class Programm {
 
     FakePorts ports;
     FakeTvDaten tvDaten;
+    FakeMenueumgebung menues;
     std::unique_ptr<FakeWendelView> fenster;
     std::unique_ptr<FakeHinweisView> hinweis;
     std::unique_ptr<FakeTerminView> editor;
@@ -193,7 +210,7 @@ class Programm {
         hinweis = std::make_unique<FakeHinweisView>(ports.aufrufe);
         editor = std::make_unique<FakeTerminView>();
         anwendung = std::make_unique<Anwendung>(
-            ports.ports(), *fenster, *hinweis, *editor,
+            ports.ports(), *fenster, *hinweis, *editor, menues,
             Startumgebung{"wendel", befehlszeile, kTestordner, [this] { return ersteKopie; }});
         return anwendung->starten();
     }

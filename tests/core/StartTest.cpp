@@ -32,13 +32,15 @@ TEST_F(Start, EverythingHappensInItsOrder) {
                             "Uhr.nachrichtenVerarbeiten()", "FormWendel.zeigen"));
     // The maintenance, nine statements without any mark, deletes what the query of missed reminders has read.
     std::vector<std::string> anweisungen = ports.datenbanken->anweisungen();
-    ASSERT_EQ(anweisungen.size(), 13u);
+    ASSERT_EQ(anweisungen.size(), 18u);
     anweisungen.erase(anweisungen.begin() + 3, anweisungen.begin() + 10);
     EXPECT_THAT(anweisungen,
                 ElementsAre("Select * from Sender Order by Favorit*10000000+SortNr*10000+SortNrKestrin",
                             HasSubstr("Optionen,Datum,Uhrzeit,Dauer"), HasSubstr("MaxPos"),
                             HasSubstr("having min(pos)"), HasSubstr("Optionen,Datum,Uhrzeit,Sendung,"),
-                            HasSubstr("Aufzeichnung=true")));
+                            HasSubstr("Aufzeichnung=true"), HasSubstr("Beginn>#"),
+                            HasSubstr("Senderkennung in('ARD')"), HasSubstr("Beginn>=#12/24/2012 20:15:00#"),
+                            HasSubstr("#12/24/2012 21:00:00#"), HasSubstr("Bewertung=4")));
     EXPECT_EQ(hinweis->text, "Sie wollten sich erinnern lassen.\r\nTee");
     EXPECT_TRUE(ports.meldungen.gezeigt.empty());
 }

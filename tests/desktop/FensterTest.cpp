@@ -9,9 +9,8 @@
 #include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
-#include <QScreen>
 #include <QTimer>
-#include <map>
+#include <algorithm>
 
 #include "desktop/Fensterhilfe.h"
 #include "desktop/FormHinweisFenster.h"
@@ -43,127 +42,82 @@ class HinweisFensterTest : public testing::Test {
     FormHinweis form{uhr, fenster, empfaenger};
 };
 
-TEST_F(HinweisFensterTest, ShowsTitleTextAndTwelveRowsUnderTheControlsNames) {
+TEST_F(HinweisFensterTest, ShowsTheNoticeAndForwardsTheAnswerOnceTheGuardIsOver) {
+    uhr.stelle(DateSerial(2012, 12, 24) + TimeSerial(20, 14, 50));
     zeige("Sie wollten sich erinnern lassen.\r\n20:15 Süßer Schnee (ZDF)");
-    EXPECT_EQ(fenster.objectName(), "FormHinweis");
     EXPECT_EQ(fenster.windowTitle(), "Lomrick - Hinweis");
     EXPECT_EQ(kind<QLabel>(fenster, "LabelHinweisTitel").text(), "Termin");
     EXPECT_EQ(kind<QLabel>(fenster, "LabelHinweisText").text(),
               QString::fromUtf8("Sie wollten sich erinnern lassen.\n20:15 Süßer Schnee (ZDF)"));
-    const auto& liste = kind<QComboBox>(fenster, "ComboFunktion");
-    ASSERT_EQ(liste.count(), 12);
-    EXPECT_EQ(liste.itemText(0), QString::fromUtf8("Termin schließen"));
-    EXPECT_EQ(liste.itemText(11), "Erneut erinnern in 5 Stunden");
-    EXPECT_EQ(liste.maxVisibleItems(), 12);
-    EXPECT_EQ(liste.currentIndex(), 0);
-    EXPECT_EQ(kind<QPushButton>(fenster, "cmdOK").text(), "&OK");
-    EXPECT_TRUE(fenster.isVisible());
-}
-
-TEST_F(HinweisFensterTest, OkAndCloseBoxDoNothingDuringTheGuardAndCloseAfterIt) {
-    zeige("eins");
-    kind<QPushButton>(fenster, "cmdOK").click();
-    fenster.close();
-    EXPECT_TRUE(fenster.isVisible());
-    EXPECT_EQ(empfaenger.beantwortet, 0);
-
-    ASSERT_TRUE(entsperrt());
-    fenster.close();
-    EXPECT_FALSE(fenster.isVisible());
-    EXPECT_EQ(empfaenger.beantwortet, 1);
-
-    zeige("zwei");
-    kind<QPushButton>(fenster, "cmdOK").click();
-    EXPECT_TRUE(fenster.isVisible()) << "a second opening is guarded again";
-    ASSERT_TRUE(entsperrt());
-    kind<QPushButton>(fenster, "cmdOK").click();
-    EXPECT_FALSE(fenster.isVisible());
-    EXPECT_EQ(empfaenger.beantwortet, 2);
-}
-
-TEST_F(HinweisFensterTest, AChosenRowReachesTheFormAndANewNoticeStartsAtTheFirstRow) {
-    uhr.stelle(DateSerial(2012, 12, 24) + TimeSerial(20, 14, 50));
-    zeige("eins");
     auto& liste = kind<QComboBox>(fenster, "ComboFunktion");
+    EXPECT_TRUE(liste.count() == 12 && liste.maxVisibleItems() == 12 && liste.currentIndex() == 0);
     liste.setCurrentIndex(2);
     Q_EMIT liste.activated(2);
+    auto& cmdOK = kind<QPushButton>(fenster, "cmdOK");
+    cmdOK.click();
+    fenster.close();
+    EXPECT_TRUE(fenster.isVisible() && empfaenger.beantwortet == 0);
     ASSERT_TRUE(entsperrt());
-    kind<QPushButton>(fenster, "cmdOK").click();
+    cmdOK.click();
+    EXPECT_TRUE(!fenster.isVisible() && empfaenger.beantwortet == 1);
     ASSERT_EQ(empfaenger.termine.size(), 1u);
     EXPECT_EQ(datumKompakt(empfaenger.termine[0]->WeckZeit), "20121224201900");
 
     zeige("zwei");
     EXPECT_EQ(liste.currentIndex(), 0);
-}
-
-TEST_F(HinweisFensterTest, TheHeightFollowsTheTextUpToTheScreen) {
-    zeige("kurz");
-    const int niedrig = fenster.height();
-    const int breite = fenster.width();
-    zeige("eine\r\nzwei\r\ndrei\r\nvier\r\nfünf");
-    const int hoeher = fenster.height();
-    EXPECT_GT(hoeher, niedrig);
-    std::string lang;
-    for (int i = 0; i < 500; ++i)
-        lang += "noch eine Zeile\r\n";
-    zeige(lang);
-    EXPECT_GT(fenster.height(), hoeher);
-    EXPECT_LE(fenster.height(), fenster.screen()->availableGeometry().height());
-    EXPECT_EQ(fenster.width(), breite);
+    cmdOK.click();
+    EXPECT_TRUE(fenster.isVisible()) << "a second opening is guarded again";
+    ASSERT_TRUE(entsperrt());
+    fenster.close();
+    EXPECT_TRUE(!fenster.isVisible() && empfaenger.beantwortet == 2);
 }
 
 struct Boxfall {
     int stil;
     QMessageBox::Icon symbol;
-    std::vector<Antwort> antworten;  // one for each button; the last one is that of a closed box
+    std::vector<std::pair<const char*, Antwort>>
+        knoepfe;  // the first is the default, the last closes the box
 };
-
-// A style's name and what its box has.
-const std::map<std::string, Boxfall> kBoxen = {
-    {"Exclamation", {48, QMessageBox::Warning, {Antwort::Ok}}},
-    {"Information", {64, QMessageBox::Information, {Antwort::Ok}}},
-    {"YesNo", {52, QMessageBox::Warning, {Antwort::Ja, Antwort::Nein}}},
-    {"RetryCancelInFront", {65589, QMessageBox::Warning, {Antwort::Wiederholen, Antwort::Abbrechen}}},
-    {"YesNoCancel", {35, QMessageBox::Question, {Antwort::Ja, Antwort::Nein, Antwort::Abbrechen}}},
+const std::pair<const char*, Antwort> kOk{"&OK", Antwort::Ok}, kAbbrechen{"&Abbrechen", Antwort::Abbrechen},
+    kWiederholen{"&Wiederholen", Antwort::Wiederholen}, kJa{"&Ja", Antwort::Ja},
+    kNein{"&Nein", Antwort::Nein};
+const Boxfall kBoxen[] = {
+    {48, QMessageBox::Warning, {kOk}},
+    {64, QMessageBox::Information, {kOk}},
+    {52, QMessageBox::Warning, {kJa, kNein}},
+    {65589, QMessageBox::Warning, {kWiederholen, kAbbrechen}},  // in front of all
+    {35, QMessageBox::Question, {kJa, kNein, kAbbrechen}},
 };
-const std::map<Antwort, QString> kAufschriften = {{Antwort::Ok, "&OK"},
-                                                  {Antwort::Abbrechen, "&Abbrechen"},
-                                                  {Antwort::Wiederholen, "&Wiederholen"},
-                                                  {Antwort::Ja, "&Ja"},
-                                                  {Antwort::Nein, "&Nein"}};
 
 TEST(BoxTest, HasTheIconAndButtonsOfItsStyleAndGivesTheirAnswers) {
     FakeFenstersystem fenster;
     Meldungsfenster meldungen(fenster);
-    for (const auto& [name, fall] : kBoxen) {
-        SCOPED_TRACE(name);
-        // Runs a box in which `handlung` is done as soon as it is on the screen.
-        const auto beantworte = [&, stil = fall.stil](const std::function<void(QMessageBox&)>& handlung) {
+    for (const Boxfall& fall : kBoxen) {
+        SCOPED_TRACE(fall.stil);
+        const auto beantworte = [&](const std::function<void(QMessageBox&)>& handlung) {
             QTimer::singleShot(0, [&] {
                 auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
                 ASSERT_NE(box, nullptr);
                 handlung(*box);
             });
-            return meldungen.meldung("Zeile 1\r\nZeile <2>", stil, "Titel");
+            return meldungen.meldung("Zeile 1\r\nZeile <2>", fall.stil, "Titel");
         };
-        for (const Antwort erwartet : fall.antworten) {
-            const Antwort antwort = beantworte([&, &fall = fall](QMessageBox& box) {
-                EXPECT_EQ(box.windowTitle(), "Titel");
-                EXPECT_EQ(box.text(), "Zeile 1\nZeile <2>");
-                EXPECT_EQ(box.textFormat(), Qt::PlainText);
-                EXPECT_EQ(box.icon(), fall.symbol);
+        for (const auto& [aufschrift, erwartet] : fall.knoepfe) {
+            const Antwort antwort = beantworte([&, text = aufschrift](QMessageBox& box) {
+                EXPECT_EQ(box.windowTitle() + box.text(), "TitelZeile 1\nZeile <2>");
+                EXPECT_TRUE(box.textFormat() == Qt::PlainText && box.icon() == fall.symbol);
                 const auto knoepfe = box.buttons();
-                EXPECT_EQ(knoepfe.size(), static_cast<qsizetype>(fall.antworten.size()));
-                for (QAbstractButton* knopf : knoepfe) {
-                    if (knopf->text() == kAufschriften.at(erwartet)) return knopf->click();
-                }
-                ADD_FAILURE() << "no button " << kAufschriften.at(erwartet).toStdString();
+                EXPECT_EQ(knoepfe.size(), static_cast<qsizetype>(fall.knoepfe.size()));
+                const auto knopf = std::ranges::find(knoepfe, text, &QAbstractButton::text);
+                if (knopf != knoepfe.end()) return (*knopf)->click();
+                ADD_FAILURE() << text;
                 box.done(0);
             });
-            EXPECT_EQ(antwort, erwartet);
+            EXPECT_EQ(antwort, erwartet) << aufschrift;
         }
-        EXPECT_EQ(beantworte([](QMessageBox& box) { box.defaultButton()->click(); }), fall.antworten.front());
-        EXPECT_EQ(beantworte([](QMessageBox& box) { box.done(0); }), fall.antworten.back());
+        const auto vorgabe = beantworte([](QMessageBox& box) { box.defaultButton()->click(); });
+        EXPECT_EQ(vorgabe, fall.knoepfe.front().second);
+        EXPECT_EQ(beantworte([](QMessageBox& box) { box.done(0); }), fall.knoepfe.back().second);
     }
 }
 
@@ -177,10 +131,11 @@ TEST(FehlerfensterTest, OneModelessWindowWhoseTextIsReplaced) {
         }
         return boxen;
     };
-    meldungen.zeigeFehlerOhneWarten("Erster", 53, "Quelle", "Datei nicht gefunden", "Fehler");
-    meldungen.zeigeFehlerOhneWarten("Zweiter", 76, "Anderswo", "Pfad nicht gefunden", "Fehler");
-    ASSERT_EQ(offene().size(), 1);
-    EXPECT_EQ(offene()[0]->text(), "Zweiter");
+    for (const char* text : {"Erster", "Zweiter"}) {
+        meldungen.zeigeFehlerOhneWarten(text, 76, "Anderswo", "Pfad nicht gefunden", "Fehler");
+        ASSERT_EQ(offene().size(), 1);
+        EXPECT_EQ(offene()[0]->text(), text);
+    }
     EXPECT_EQ(offene()[0]->informativeText(), "(76) Pfad nicht gefunden\nFehlerort: Anderswo");
     EXPECT_FALSE(offene()[0]->isModal());
     kind<QPushButton>(*offene()[0], "cmdOK").click();

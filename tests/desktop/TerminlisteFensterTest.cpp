@@ -15,7 +15,6 @@
 #include <QTest>
 #include <QTreeView>
 #include <algorithm>
-#include <set>
 
 #include "core/Programm.h"
 #include "desktop/Fensterhilfe.h"
@@ -77,23 +76,21 @@ class TerminlisteFensterTest : public testing::Test {
     FakeTerminView editor;
     FormWendelFenster fenster{ordner.filePath("noch/nicht/da.ini")};
     Anwendung anwendung{
-        welt.ports.ports(), fenster, hinweis, editor, {"wendel", "/m", kTestordner, [] { return true; }}};
+        welt.ports.ports(), fenster, hinweis, editor, welt.menues, {"wendel", "/m", kTestordner, [] {
+                                                                        return true;
+                                                                    }}};
     QTreeView& liste = kind<QTreeView>(fenster, "ListViewTermineListe");
     QMenu& popup = kind<QMenu>(fenster, "PopupTerminliste");
 };
 
 TEST_F(TerminlisteFensterTest, ShowsRowsOfThreeColumnsWithPicturesAndTheirMeaning) {
     EXPECT_EQ(texte(), QStringList({"20:15 Süßer Schnee (ARD)", "Oma anrufen und Opa", "Müll", "Zahnarzt"}));
-    EXPECT_EQ(zelle(1, 0), "24.12.12 21:00");
-    EXPECT_EQ(zelle(2, 0), "Mo 22:00");
-    EXPECT_EQ(zelle(1, 2), "1 h");
-    const QString arten[] = {"Erinnerung", "Eigener Termin", "Eigener Termin", "Eigener Termin"};
+    EXPECT_EQ(zelle(2, 0) + zelle(1, 2), "Mo 22:001 h");
     for (int i = 0; i < 4; ++i) {
         const QModelIndex erste = liste.model()->index(i, 0);
         EXPECT_FALSE(erste.data(Qt::DecorationRole).value<QIcon>().isNull()) << i;
-        EXPECT_EQ(erste.data(Qt::AccessibleDescriptionRole).toString(), arten[i]);
+        EXPECT_EQ(erste.data(Qt::AccessibleDescriptionRole), i == 0 ? "Erinnerung" : "Eigener Termin");
     }
-    EXPECT_EQ(fenster.windowTitle(), "Lomrick");
 }
 
 TEST_F(TerminlisteFensterTest, ThePopupComesWithTheRightButtonsReleaseAndItsEntriesFollowTheSelection) {
@@ -120,12 +117,6 @@ TEST_F(TerminlisteFensterTest, ThePopupComesWithTheRightButtonsReleaseAndItsEntr
     EXPECT_EQ(popup.activeAction()->objectName(), "mnuEditieren");
     fenster.setEnabled(false);
     EXPECT_EQ(menue(), "closed") << "a box has come up";
-
-    std::set<QString> zugriffstasten;
-    for (const QAction* eintrag : popup.actions())
-        if (const auto i = eintrag->text().indexOf(u'&'); i >= 0)
-            zugriffstasten.insert(eintrag->text().mid(i + 1, 1).toLower());
-    EXPECT_EQ(zugriffstasten.size(), 4u);
 }
 
 TEST_F(TerminlisteFensterTest, KeysAndDoubleClicksReachTheForm) {
@@ -159,32 +150,28 @@ TEST_F(TerminlisteFensterTest, KeysAndDoubleClicksReachTheForm) {
     taste(Qt::Key_N, Qt::ControlModifier);
     EXPECT_EQ(offen, 3);
     EXPECT_EQ(liste.model()->rowCount(), 5);
+    kind<QPushButton>(fenster, "LabelAnzLiveUpdateEinstellungenStartLink").click();
+    EXPECT_EQ(welt.ports.starter.gestartet.size(), 1u);
     QTest::keyClick(&fenster, Qt::Key_Escape);
     EXPECT_FALSE(fenster.isVisible());
 }
 
-TEST_F(TerminlisteFensterTest, TheFirstArrowKeyTakesTheRowWithTheFocusFrame) {
+TEST_F(TerminlisteFensterTest, ARebuildBetweenTwoActionsKeepsTheEntryAndNotTheRow) {
     liste.setCurrentIndex(liste.model()->index(0, 0));
     klicke(Qt::LeftButton, leer());
     EXPECT_EQ(status(), "Neuer Termin: Rechtsklick oder Einfg");
     taste(Qt::Key_Down);
-    EXPECT_EQ(gewaehlt(), 1);
+    EXPECT_EQ(gewaehlt(), 1) << "the row with the focus frame";
     taste(Qt::Key_Down);
-    EXPECT_EQ(gewaehlt(), 2);
-    EXPECT_TRUE(status().startsWith("Bearbeiten: "));
-    fenster.setzeStatustext("Die Termine sind noch nicht gespeichert.");
-    EXPECT_EQ(status(), "Die Termine sind noch nicht gespeichert.");
-}
-
-TEST_F(TerminlisteFensterTest, ARebuildBetweenTwoActionsKeepsTheEntryAndNotTheRow) {
-    klicke(Qt::LeftButton, mitte(1));
     welt.ports.uhr.stelle(um(20, 10, 30));  // the reminder has fired and goes
     anwendung.tick();
     EXPECT_EQ(texte(), QStringList({"Oma anrufen und Opa", "Müll", "Zahnarzt"}));
-    EXPECT_EQ(liste.currentIndex().row(), 0);
-    EXPECT_EQ(gewaehlt(), 1);
+    EXPECT_TRUE(liste.currentIndex().row() == 0 && gewaehlt() == 1);
+    EXPECT_TRUE(status().startsWith("Bearbeiten: "));
+    fenster.setzeStatustext("Die Termine sind noch nicht gespeichert.");
     taste(Qt::Key_Down);
     EXPECT_EQ(gewaehlt(), 2);
+    EXPECT_EQ(status(), "Die Termine sind noch nicht gespeichert.");
 }
 
 TEST_F(TerminlisteFensterTest, LongListsStayWhereTheyAreReadAndAreSearchedByTyping) {
@@ -205,7 +192,6 @@ TEST_F(TerminlisteFensterTest, LongListsStayWhereTheyAreReadAndAreSearchedByTypi
     zeilen.erase(zeilen.begin(), zeilen.begin() + 5);
     fenster.setzeZeilen(zeilen, std::nullopt);
     EXPECT_EQ(zelle(oberste().row(), 1), gelesen);
-    EXPECT_TRUE(liste.selectionModel()->selectedRows().isEmpty());
     fenster.setzeZeilen(zeilen, 20);
     EXPECT_TRUE(liste.viewport()->rect().contains(mitte(20)))
         << "another entry was chosen: it comes into sight";
@@ -216,12 +202,6 @@ TEST_F(TerminlisteFensterTest, LongListsStayWhereTheyAreReadAndAreSearchedByTypi
     EXPECT_EQ(liste.currentIndex().row(), 0);
     fenster.setzeZeilen({}, std::nullopt);
     EXPECT_EQ(liste.model()->rowCount(), 0);
-}
-
-TEST_F(TerminlisteFensterTest, TheLinkStartsTheUpdateProgram) {
-    kind<QPushButton>(fenster, "LabelAnzLiveUpdateEinstellungenStartLink").click();
-    ASSERT_EQ(welt.ports.starter.gestartet.size(), 1u);
-    EXPECT_TRUE(welt.ports.starter.gestartet[0].datei.ends_with("skarvel.exe"));
 }
 
 TEST(WendelFensterTest, ComesBackWhereAndAsLargeAsItWasLeftAndOntoAScreenThatIsThere) {
@@ -245,10 +225,6 @@ TEST(WendelFensterTest, ComesBackWhereAndAsLargeAsItWasLeftAndOntoAScreenThatIsT
         wieder.zeigen();
         EXPECT_EQ(wieder.geometry(), erwartet) << gelassen.x();
     }
-    FormWendelFenster(datei).showMaximized();  // the end of the program, the window in sight
-    FormWendelFenster gross(datei);
-    gross.zeigen();
-    EXPECT_TRUE(gross.isMaximized());
 }
 
 }  // namespace

@@ -1,61 +1,15 @@
 #pragma once
-// A tray menu without a screen: windows that keep what they are to show, a desktop with two monitors, actions
-// that write down what was asked of them. Text is 6 pixels wide per character.
+// A small tray menu on fakes: its windows, and actions that write down what was asked of them.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <functional>
-#include <map>
 
-#include "platform/Text.h"
+#include "traymenu/FakeMenue.h"
 #include "traymenu/Menueinhalt.h"
 
 namespace wendel {
-
-struct FakeMenueView;
-
-struct FakeMenueumgebung : Menueumgebung {
-    std::map<Fensterhandle, FakeMenueView*> views;
-    Fensterhandle aktiv = 0, letztes = 100;
-
-    std::unique_ptr<FormBrannikMenueView> neueView(FormBrannikMenue&) override;
-    Fensterhandle aktivesFenster() override { return aktiv; }
-    Arbeitsbereich freieFlaeche(Punkt ort) override {
-        return ort.x < 1920 ? Arbeitsbereich{0, 0, 1920, 1040} : Arbeitsbereich{30, 1920, 3200, 1024};
-    }
-};
-
-struct FakeMenueView : FormBrannikMenueView {
-    FakeMenueView(FakeMenueumgebung& u, Fensterhandle h) : umgebung(u), handle(h) { u.views[h] = this; }
-    ~FakeMenueView() override { umgebung.views.erase(handle); }
-
-    FakeMenueumgebung& umgebung;
-    const Fensterhandle handle;
-    Menuebild bild;
-    std::vector<Zeilenbild> gemalt;
-    std::vector<Kontextmenue> kontextmenues;
-    bool sichtbar = false;
-    int einblendungMs = 0, unloadMs = 0;
-
-    Fensterhandle hwnd() override { return handle; }
-    void setzeSchrift(const std::string&, int) override {}
-    int textbreite(const std::string& text) override { return static_cast<int>(zeichenzahl(text)) * 6; }
-    Menuefarben farben() override { return {1, 2, 3, 4, 5, 6, 7}; }
-    void zeichne(const Menuebild& neu) override { bild = neu; }
-    void zeichneZeile(const Zeilenbild& zeile) override { gemalt.push_back(zeile); }
-    void zeichneTipp(bool hervorgehoben) override { bild.tippHervorgehoben = hervorgehoben; }
-    void zeigen(const Rechteck&, Fensterhandle) override { sichtbar = true, aktivieren(); }
-    void verbergen() override { sichtbar = false; }
-    void aktivieren() override { umgebung.aktiv = handle; }
-    void setzeTimerEinblendung(int ms) override { einblendungMs = ms; }
-    void setzeTimerUnload(int ms) override { unloadMs = ms; }
-    void zeigeMenueMenue(const Kontextmenue& menue) override { kontextmenues.push_back(menue); }
-};
-
-inline std::unique_ptr<FormBrannikMenueView> FakeMenueumgebung::neueView(FormBrannikMenue&) {
-    return std::make_unique<FakeMenueView>(*this, ++letztes);
-}
 
 struct AufzeichnendeAktionen : Menueaktionen {
     std::string rufe;
