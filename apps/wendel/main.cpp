@@ -191,6 +191,9 @@ int starte(int argc, char** argv) {
 
     // Nothing here is drawn by OpenGL; its libraries would be the larger part of the resident memory.
     if (qEnvironmentVariableIsEmpty("QT_XCB_GL_INTEGRATION")) qputenv("QT_XCB_GL_INTEGRATION", "none");
+    // Without it the toolkit takes whole monitors for free as soon as there are two, panels included.
+    if (qEnvironmentVariableIsEmpty("QT_RELY_ON_NET_WORKAREA_ATOM"))
+        qputenv("QT_RELY_ON_NET_WORKAREA_ATOM", "1");
     QApplication anwendung(argc, argv);
     DeutscheTexte texte;
     QCoreApplication::installTranslator(&texte);

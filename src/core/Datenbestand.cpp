@@ -240,20 +240,25 @@ void Datenbestand::menueLesen() {
         // After the first box that was declined there is no second one.
         gelungen = senderBereit() && menuelisten_.auffrischen() && tippLesen();
     }
-    // What ticks and control lines have put off during a box.
-    if (abfrageNachholen_ && gelungen && !rueckfragen_.ablehnen) abfragen();
+    // What ticks and control lines have put off during a box. Nobody comes back to it else: when the user has
+    // declined that box, it is tried without another one.
+    if (!abfrageNachholen_ || rueckfragen_.ablehnen) return;
+    if (gelungen) return abfragen();
+    const Laufend unbeaufsichtigt(rueckfragen_.ablehnen), sofort(zugriff_.ohneWarten);
+    abfragen();
 }
 
 void Datenbestand::menueLesenOhneKaesten() {
     // Without channels there is nothing to list, and a locked database takes its time to say so.
     if (!senderGeladen_) return;
-    const Laufend unbeaufsichtigt(rueckfragen_.ablehnen);
+    const Laufend unbeaufsichtigt(rueckfragen_.ablehnen), sofort(zugriff_.ohneWarten);
     menueLesen();
 }
 
 void Datenbestand::tippLesenOhneKaesten() {
     if (zugriffLaeuft_) return;
-    const Laufend laufend(zugriffLaeuft_), unbeaufsichtigt(rueckfragen_.ablehnen);
+    const Laufend laufend(zugriffLaeuft_), unbeaufsichtigt(rueckfragen_.ablehnen),
+        sofort(zugriff_.ohneWarten);
     static_cast<void>(tippLesen());
 }
 

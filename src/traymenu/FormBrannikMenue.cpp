@@ -304,6 +304,9 @@ void FormBrannikMenue::waehlen(int index) {
 void FormBrannikMenue::oeffneMenueMenue(int index, Punkt ort) {
     if (!waehlbar(index) || punkt(index)->Art != menueart::kSendung) return;
     hervorheben(index);
+    // What the countdown would close later would raise this window above the context menu.
+    einblendungsCounter_ = kRuhe;
+    schliesseUntermenue();
     kontextbefehl_ = Menuebefehl::von(*punkt(index));
     menueMenueOffen_ = true;
     view_->zeigeMenueMenue({ort, Menuebefehle::imTVZeigenAngeboten(kontextbefehl_, kontext_.aktionen)});
@@ -341,7 +344,9 @@ void FormBrannikMenue::TimerUnload_Timer() {
     const bool menueAktiv = std::any_of(formen.begin(), formen.end(), [aktiv](const FormBrannikMenue* form) {
         return form->Visible() && (form->hwnd() == aktiv || form->MenueMenueOffen());
     });
-    if (kontext_.geladene.zuSchliessen(menueAktiv)) ModulBrannikMenue::HideAllMenues(kontext_.geladene);
+    // One tick of the tree, however many of its windows are open.
+    if (kontext_.geladene.zuSchliessen(menueAktiv, eltern() == nullptr))
+        ModulBrannikMenue::HideAllMenues(kontext_.geladene);
 }
 
 // ---- keyboard ----

@@ -17,10 +17,10 @@ void GeladeneMenues::setzeObermenue(std::unique_ptr<FormBrannikMenue> obermenue)
     std::swap(obermenue_, obermenue);
 }
 
-bool GeladeneMenues::zuSchliessen(bool menueAktiv) {
+bool GeladeneMenues::zuSchliessen(bool menueAktiv, bool zaehlt) {
     if (menueAktiv) schonfrist_ = 0;
     if (menueAktiv || schonfrist_ == 0) return !menueAktiv;
-    --schonfrist_;
+    if (zaehlt) --schonfrist_;
     return false;
 }
 

@@ -31,8 +31,8 @@ class GeladeneMenues {
     // A window was asked to become active; until it is, for some ticks of the closing watch no other window's
     // being active closes the menu.
     void erwarteAktivierung() { schonfrist_ = kSchonfristTicks; }
-    // One tick of the closing watch. True when the menu has to close.
-    bool zuSchliessen(bool menueAktiv);
+    // A tick of one window's closing watch; zaehlt: it shortens the respite. True when the menu has to close.
+    bool zuSchliessen(bool menueAktiv, bool zaehlt);
 
   private:
     static constexpr int kSchonfristTicks = 10;

@@ -68,7 +68,7 @@ class ModulDatenbankzugriff::Sperrwiederholung {
     // program to the next, so that those who collided do not meet again. It really blocks: were messages
     // processed, a tick could start a second operation in the middle of this one.
     bool pausiert(int nummer) {
-        if (!IstSperrfehler(nummer)) return false;
+        if (!IstSperrfehler(nummer) || modul_.ohneWarten) return false;
         // At the first conflict only, so that a changed setting takes effect at once and a smooth run reads
         // nothing.
         if (zaehler_++ == 0) hoechstens_ = liesWiederholungen(modul_.einstellungen_);

@@ -73,6 +73,9 @@ class ModulDatenbankzugriff {
     // Nothing in this program switches them on.
     bool sqlProtokoll = false;
     bool stillerModus = false;
+    // No silent retries after locking conflicts: their pauses, half a minute in all, block the thread that
+    // the reminders come from.
+    bool ohneWarten = false;
 
   private:
     class Sperrwiederholung;

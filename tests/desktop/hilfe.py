@@ -141,11 +141,12 @@ def bild(name):
 # --- tray ---
 
 def trayicon():
-    """Rectangle of the icon in a tray window, or nothing. The embedded window is a child of the tray's."""
+    """Rectangle of the icon in a tray window, or nothing. The embedded window is a child of the tray's; until that has
+    made room it lies in the screen's corner, or half outside."""
     baum = lauf('xwininfo', '-root', '-tree')
     treffer = re.findall(r'(0x[0-9a-f]+) .*?\("wendel" "Lomrick"\)\s+(\d+)x(\d+)\+\S+\s+\+(\d+)\+(\d+)', baum)
     icons = [(int(x), int(y), int(b), int(h)) for f, b, h, x, y in treffer
-             if 8 <= int(b) <= 64 and 8 <= int(h) <= 64 and 'IsViewable' in lauf('xwininfo', '-id', f)]
+             if 8 <= int(b) <= 64 and 8 <= int(h) <= 64 and 0 < int(x) <= 1280 - int(b) and 'IsViewable' in lauf('xwininfo', '-id', f)]
     return icons
 
 
