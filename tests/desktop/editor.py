@@ -64,8 +64,8 @@ def lines_of_a_text_survive_an_edit_from_the_list():
     warte_aktiv(EDITOR)
     tippe('13:00\t!')
     weg_mit(EDITOR, 'Return')
-    with open(os.path.join(p.ordner, 'fennow.cfg'), 'rb') as datei:
-        assert b'eins\r\nzwei!' in datei.read(), 'the line end is gone'
+    datei = os.path.join(p.ordner, 'fennow.cfg')
+    warte(lambda: b'eins\r\nzwei!' in open(datei, 'rb').read(), 'the text is stored with its line end', 5)
     return ['24.12.2012 13:00:00|0|ja|eins zwei!']
 
 
