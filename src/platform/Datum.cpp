@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <chrono>
 #include <cmath>
 #include <initializer_list>
@@ -36,6 +37,12 @@ constexpr std::array<std::string_view, 12> kMonatsnamen = {"Januar",    "Februar
                                                            "September", "Oktober", "November", "Dezember"};
 constexpr std::array<std::string_view, 12> kKurzmonate = {"Jan", "Feb", "Mrz", "Apr", "Mai", "Jun",
                                                           "Jul", "Aug", "Sep", "Okt", "Nov", "Dez"};
+
+int ziffern(std::string_view text, std::size_t stelle, std::size_t anzahl) {
+    int wert = 0;
+    std::from_chars(text.data() + stelle, text.data() + stelle + anzahl, wert);
+    return wert;
+}
 
 void pruefe16Bit(const char* quelle, std::initializer_list<std::int64_t> werte) {
     const auto passt = [](std::int64_t w) { return w >= -32768 && w <= 32767; };
@@ -239,5 +246,16 @@ std::string datumAlsText(Datum d) {
 }
 
 std::string datumKompakt(Datum d) { return Format(d, "yyyymmddhhnnss"); }
+
+std::optional<Datum> datumAusKompakt(std::string_view text) {
+    constexpr std::size_t kStellen = 14;
+    const auto istZiffer = [](char c) { return c >= '0' && c <= '9'; };
+    if (text.size() != kStellen || !std::all_of(text.begin(), text.end(), istZiffer)) return std::nullopt;
+    const int jahr = ziffern(text, 0, 4), monat = ziffern(text, 4, 2), tag = ziffern(text, 6, 2);
+    const int stunde = ziffern(text, 8, 2), minute = ziffern(text, 10, 2), sekunde = ziffern(text, 12, 2);
+    if (!istKalendertag(jahr, monat, tag)) return std::nullopt;
+    if (stunde > 23 || minute > 59 || sekunde > 59) return std::nullopt;
+    return DateSerial(jahr, monat, tag) + TimeSerial(stunde, minute, sekunde);
+}
 
 }  // namespace wendel

@@ -7,6 +7,7 @@
 
 #include <compare>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -85,5 +86,7 @@ std::string datumAlsText(Datum d);
 
 // "yyyymmddhhnnss", the form for comparing and storing moments as text.
 std::string datumKompakt(Datum d);
+// And back, nothing unless it is 14 digits that name a day of the calendar and a time of day.
+std::optional<Datum> datumAusKompakt(std::string_view text);
 
 }  // namespace wendel

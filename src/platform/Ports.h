@@ -6,7 +6,9 @@
 #include "platform/ports/Dateistarter.h"
 #include "platform/ports/Dateisystem.h"
 #include "platform/ports/Datenbankmaschine.h"
+#include "platform/ports/Energie.h"
 #include "platform/ports/Fenstersystem.h"
+#include "platform/ports/Fernsteuerung.h"
 #include "platform/ports/Klang.h"
 #include "platform/ports/Meldungen.h"
 #include "platform/ports/Prozesse.h"
@@ -28,6 +30,8 @@ struct Ports {
     TaskleistenSymbol& symbol;
     Rechner& rechner;
     Datenbankmaschinen& datenbanken;
+    Fernsteuerung& fernsteuerung;
+    Energie& energie;
 };
 
 }  // namespace wendel

@@ -10,6 +10,9 @@ namespace wendel {
 
 namespace {
 
+// Characters that a field of a line can't hold, and what stands behind the backslash for each.
+constexpr std::string_view kMaskiert = "\\\t\r\n", kKennungen = "\\trn";
+
 struct Zeichen {
     char32_t punkt = 0;
     std::size_t laenge = 1;
@@ -151,6 +154,17 @@ std::size_t zeichenzahl(std::string_view text) {
     return anzahl;
 }
 
+std::u32string codepunkte(std::string_view text) {
+    constexpr char32_t kErsatzzeichen = 0xFFFD;
+    std::u32string punkte;
+    for (std::size_t i = 0; i < text.size();) {
+        const Zeichen zeichen = zeichenAn(text, i);
+        punkte += zeichen.gueltig ? zeichen.punkt : kErsatzzeichen;
+        i += zeichen.laenge;
+    }
+    return punkte;
+}
+
 std::string Mid(std::string_view text, std::size_t start) {
     pruefeStart("Mid", start);
     return std::string(text.substr(nachZeichen(text, 0, start - 1)));
@@ -273,6 +287,34 @@ std::vector<std::string> textzeilen(std::string_view dateiinhalt) {
         von = bis + (text.compare(bis, kCrLf.size(), kCrLf) == 0 ? 2 : 1);
     }
     return zeilen;
+}
+
+std::string maskiert(std::string_view text) {
+    std::string ergebnis;
+    for (const char c : text) {
+        const std::size_t stelle = kMaskiert.find(c);
+        if (stelle == std::string_view::npos) {
+            ergebnis += c;
+        } else {
+            ergebnis += {'\\', kKennungen[stelle]};
+        }
+    }
+    return ergebnis;
+}
+
+std::optional<std::string> demaskiert(std::string_view text) {
+    std::string ergebnis;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] != '\\') {
+            ergebnis += text[i];
+            continue;
+        }
+        if (++i == text.size()) return std::nullopt;
+        const std::size_t stelle = kKennungen.find(text[i]);
+        if (stelle == std::string_view::npos) return std::nullopt;
+        ergebnis += kMaskiert[stelle];
+    }
+    return ergebnis;
 }
 
 }  // namespace wendel

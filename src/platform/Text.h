@@ -3,6 +3,7 @@
 // these functions count code points; a malformed byte counts as one character. Positions start at 1.
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -11,6 +12,8 @@ namespace wendel {
 
 // Code points; each byte that belongs to no valid sequence counts as one.
 std::size_t zeichenzahl(std::string_view text);
+// The same characters by their numbers; a malformed byte is U+FFFD.
+std::u32string codepunkte(std::string_view text);
 
 // Throw Fehler kUngueltigesArgument for a start below 1; reach at most to the end of the text.
 std::string Mid(std::string_view text, std::size_t start);
@@ -50,6 +53,11 @@ std::string nachWindows1252(std::string_view utf8);
 // character beyond ASCII, else Windows-1252; lines end at CR LF, LF or CR. A last line end opens no further
 // line.
 std::vector<std::string> textzeilen(std::string_view dateiinhalt);
+
+// Text in one field of a line: \\ \t \r \n stand for backslash, TAB, CR and LF. Backwards nothing for a
+// backslash with anything else behind it.
+std::string maskiert(std::string_view text);
+std::optional<std::string> demaskiert(std::string_view text);
 
 inline constexpr std::string_view kCrLf = "\r\n";
 

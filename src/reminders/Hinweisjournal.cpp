@@ -1,7 +1,6 @@
 #include "reminders/Hinweisjournal.h"
 
 #include <algorithm>
-#include <charconv>
 #include <memory>
 
 #include "platform/Text.h"
@@ -13,62 +12,6 @@ constexpr std::int64_t kBehaltenSekunden = 2 * 86400;
 constexpr std::string_view kDateiname = "hinweise.txt";
 constexpr std::string_view kOffen = "offen";
 constexpr std::string_view kBeantwortet = "beantwortet";
-
-std::string maskiert(std::string_view text) {
-    std::string ergebnis;
-    for (const char c : text) {
-        switch (c) {
-            case '\\': ergebnis += "\\\\"; break;
-            case '\t': ergebnis += "\\t"; break;
-            case '\r': ergebnis += "\\r"; break;
-            case '\n': ergebnis += "\\n"; break;
-            default: ergebnis += c;
-        }
-    }
-    return ergebnis;
-}
-
-std::optional<char> maskiertesZeichen(char kennung) {
-    switch (kennung) {
-        case '\\': return '\\';
-        case 't': return '\t';
-        case 'r': return '\r';
-        case 'n': return '\n';
-        default: return std::nullopt;
-    }
-}
-
-std::optional<std::string> demaskiert(std::string_view text) {
-    std::string ergebnis;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        if (text[i] != '\\') {
-            ergebnis += text[i];
-            continue;
-        }
-        if (++i == text.size()) return std::nullopt;
-        const std::optional<char> zeichen = maskiertesZeichen(text[i]);
-        if (!zeichen) return std::nullopt;
-        ergebnis += *zeichen;
-    }
-    return ergebnis;
-}
-
-int ziffern(std::string_view text, std::size_t stelle, std::size_t anzahl) {
-    int wert = 0;
-    std::from_chars(text.data() + stelle, text.data() + stelle + anzahl, wert);
-    return wert;
-}
-
-std::optional<Datum> momentAusText(std::string_view text) {
-    constexpr std::size_t kStellen = 14;
-    const auto istZiffer = [](char c) { return c >= '0' && c <= '9'; };
-    if (text.size() != kStellen || !std::all_of(text.begin(), text.end(), istZiffer)) return std::nullopt;
-    const int jahr = ziffern(text, 0, 4), monat = ziffern(text, 4, 2), tag = ziffern(text, 6, 2);
-    const int stunde = ziffern(text, 8, 2), minute = ziffern(text, 10, 2), sekunde = ziffern(text, 12, 2);
-    if (!istKalendertag(jahr, monat, tag)) return std::nullopt;
-    if (stunde > 23 || minute > 59 || sekunde > 59) return std::nullopt;
-    return DateSerial(jahr, monat, tag) + TimeSerial(stunde, minute, sekunde);
-}
 
 std::optional<Terminart> artAusText(std::string_view text) {
     if (text == "0") return Terminart::Eigener;
@@ -120,7 +63,7 @@ void Hinweisjournal::beiseitelegen() {
 std::optional<Hinweisjournal::Eintrag> Hinweisjournal::eintragAusZeile(std::string_view zeile) {
     const std::vector<std::string> felder = Split(zeile, "\t");
     if (felder.size() != 4 || !istUtf8(zeile)) return std::nullopt;
-    const std::optional<Datum> moment = momentAusText(felder[0]);
+    const std::optional<Datum> moment = datumAusKompakt(felder[0]);
     const std::optional<Terminart> art = artAusText(felder[1]);
     const bool offen = felder[2] == kOffen;
     std::optional<std::string> text = demaskiert(felder[3]);

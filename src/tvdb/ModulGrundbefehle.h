@@ -35,11 +35,8 @@ void ProgrammordnerAktivieren(Dateisystem& dateien, const std::string& programmo
 // "yyyymmddhhnnss".
 std::string DatumKompakt(Datum d);
 
-// The inverse of DatumKompakt for texts of 14 characters; German dates ("24.12.2012", "24.12.2012 20:15:00")
-// by fixed character positions, where malformed digits carry over or count as 0 without an error; any other
-// text as a German system converts it: h:nn[:ss], d/m/yyyy, d-m-yyyy (m first where d/m is impossible),
-// yyyy-mm-dd, yyyy/mm/dd, "24 Dezember 2012", each date with an optional time. Throws Fehler 1 with the
-// described text for what is none of these and for dates outside the years 100 to 9999.
+// The reader of date texts, platform/Datumstext.h, under its name here. Throws Fehler 1 with the described
+// text for what is no date.
 Datum DatumAusText(std::string_view text);
 // True when DatumAusText succeeds.
 bool IstDatumsausdruck(std::string_view text);

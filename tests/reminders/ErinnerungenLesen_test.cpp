@@ -5,8 +5,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "reminders/Zeitpunkt.h"
 #include "support/Fakes.h"
+#include "support/Zeitpunkt.h"
 #include "tvdb/Einstellungen.h"
 #include "tvdb/ModulDatenbankzugriff.h"
 #include "tvdb/cSendung.h"

@@ -7,8 +7,8 @@
 
 #include <functional>
 
-#include "reminders/Zeitpunkt.h"
 #include "support/Fakes.h"
+#include "support/Zeitpunkt.h"
 
 namespace wendel {
 namespace {

@@ -8,8 +8,8 @@
 
 #include <functional>
 
-#include "reminders/Zeitpunkt.h"
 #include "support/Fakes.h"
+#include "support/Zeitpunkt.h"
 
 namespace wendel {
 namespace {

@@ -5,8 +5,8 @@
 
 #include <gtest/gtest.h>
 
-#include "reminders/Zeitpunkt.h"
 #include "support/Fakes.h"
+#include "support/Zeitpunkt.h"
 
 namespace wendel {
 namespace {

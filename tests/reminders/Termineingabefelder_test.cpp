@@ -6,7 +6,7 @@
 
 #include <vector>
 
-#include "reminders/Zeitpunkt.h"
+#include "support/Zeitpunkt.h"
 
 namespace wendel {
 namespace {

@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "reminders/Zeitpunkt.h"
+#include "support/Zeitpunkt.h"
 
 namespace wendel {
 namespace {

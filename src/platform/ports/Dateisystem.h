@@ -3,6 +3,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace wendel {
 
@@ -11,6 +12,12 @@ struct Dateistand {
     std::uint64_t groesse = 0;
     std::int64_t geaendertNs = 0;  // time of the last change; comparable with others of the same file only
     friend bool operator==(const Dateistand&, const Dateistand&) = default;
+};
+
+struct Ordnereintrag {
+    std::string name;  // without folder
+    Dateistand stand;
+    friend bool operator==(const Ordnereintrag&, const Ordnereintrag&) = default;
 };
 
 // Files by logic paths: plain UTF-8 text with "\" between folders (and "/" accepted). The adapter alone turns
@@ -43,6 +50,8 @@ class Dateisystem {
     // Replaces nothing: false when the target exists.
     [[nodiscard]] virtual bool umbenennen(const std::string& von, const std::string& nach) = 0;
 
+    // The regular files in a folder, in no order; nothing when it can't be read.
+    virtual std::optional<std::vector<Ordnereintrag>> ordnerinhalt(const std::string& pfad) = 0;
     // Creates missing parents too; true when the folder is there afterwards.
     [[nodiscard]] virtual bool ordnerAnlegen(const std::string& pfad) = 0;
     // Makes the folder current for this process; false when it is none. "" is no folder.

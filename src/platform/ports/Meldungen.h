@@ -12,6 +12,7 @@ inline constexpr int kAusrufezeichen = 48;
 inline constexpr int kInformation = 64;
 inline constexpr int kKritisch = 16;
 inline constexpr int kJaNeinFrage = 36;
+inline constexpr int kJaNeinAbbrechenFrage = 51;
 inline constexpr int kJaNeinInformation = 68;
 }  // namespace meldungsstil
 
