@@ -19,8 +19,8 @@ class Konsolenports {
     // uhr outlives this.
     explicit Konsolenports(Uhr& uhr)
         : datenbanken_(uhr, [](const std::string& pfad) { return nativerPfad(pfad); }),
-          ports_{uhr,      dateien_,    meldungen_, fenster_, klang_,      prozesse_,
-                 starter_, automation_, symbol_,    rechner_, datenbanken_} {}
+          ports_{uhr,         dateien_, meldungen_, fenster_,     klang_,         prozesse_, starter_,
+                 automation_, symbol_,  rechner_,   datenbanken_, fernsteuerung_, energie_} {}
     Konsolenports(const Konsolenports&) = delete;
     Konsolenports& operator=(const Konsolenports&) = delete;
 
@@ -63,6 +63,23 @@ class Konsolenports {
         void entfernen(std::uint32_t /*kennung*/) override {}
     };
 
+    class KeineFernsteuerung : public Fernsteuerung {
+      public:
+        std::string hindernis() override { return "Dieses Programm steuert keine anderen."; }
+        bool starteBefehlszeile(const std::string& /*befehlszeile*/) override { return false; }
+        Fensterhandle fensterNachTitel(const std::string& /*titel*/) override { return 0; }
+        void zeigeNormal(Fensterhandle /*fenster*/) override {}
+        bool aktivieren(const std::string& /*titel*/) override { return false; }
+        bool sendeTasten(std::span<const Tastenereignis> /*ereignisse*/) override { return false; }
+        void signalton() override {}
+    };
+    class KeineEnergie : public Energie {
+      public:
+        void wachhalten(const std::string& /*grund*/) override {}
+        void schlafErlauben() override {}
+        bool weckenUm(std::optional<Datum> /*moment*/) override { return false; }
+    };
+
     LinuxDateisystem dateien_;
     LinuxKlang klang_;
     LinuxProzesse prozesse_;
@@ -72,6 +89,8 @@ class Konsolenports {
     KeineFenster fenster_;
     KeineAutomation automation_;
     KeinSymbol symbol_;
+    KeineFernsteuerung fernsteuerung_;
+    KeineEnergie energie_;
     jet::JetDatenbankmaschinen datenbanken_;
     Ports ports_;
 };

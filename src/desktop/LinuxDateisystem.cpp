@@ -45,6 +45,12 @@ bool istOrdner(const std::string& nativ) {
     return ::stat(nativ.c_str(), &angaben) == 0 && S_ISDIR(angaben.st_mode);
 }
 
+Dateistand dateistand(const struct stat& angaben) {
+    constexpr std::int64_t kNsJeSekunde = 1'000'000'000;
+    return {static_cast<std::uint64_t>(angaben.st_size),
+            angaben.st_mtim.tv_sec * kNsJeSekunde + angaben.st_mtim.tv_nsec};
+}
+
 // The name in the folder that differs from `name` in case only; the first in byte order, so that several give
 // the same answer every time. "" when there is none.
 std::string ohneGrossKlein(const std::string& ordner, std::string_view name) {
@@ -166,11 +172,9 @@ std::optional<std::uint64_t> LinuxDateisystem::groesse(const std::string& pfad) 
 }
 
 std::optional<Dateistand> LinuxDateisystem::stand(const std::string& pfad) {
-    constexpr std::int64_t kNsJeSekunde = 1'000'000'000;
     struct stat angaben {};
     if (finde(pfad, angaben).empty()) return std::nullopt;
-    return Dateistand{static_cast<std::uint64_t>(angaben.st_size),
-                      angaben.st_mtim.tv_sec * kNsJeSekunde + angaben.st_mtim.tv_nsec};
+    return dateistand(angaben);
 }
 
 std::optional<std::string> LinuxDateisystem::lesen(const std::string& pfad) try {
@@ -264,6 +268,20 @@ bool LinuxDateisystem::ordnerAnlegen(const std::string& pfad) {
     if (!istOrdner(eltern) && !ordnerAnlegen(eltern)) return false;
     if (::mkdir(nativ.c_str(), kNeuerOrdner) != 0) return errno == EEXIST && istOrdner(nativ);
     return ordnerAufPlatte(eltern);
+}
+
+std::optional<std::vector<Ordnereintrag>> LinuxDateisystem::ordnerinhalt(const std::string& pfad) {
+    if (!brauchbar(pfad)) return std::nullopt;
+    const std::unique_ptr<DIR, int (*)(DIR*)> verzeichnis(::opendir(nativerPfad(pfad).c_str()), &::closedir);
+    if (!verzeichnis) return std::nullopt;
+    std::vector<Ordnereintrag> eintraege;
+    while (const dirent* eintrag = ::readdir(verzeichnis.get())) {
+        struct stat angaben {};
+        if (::fstatat(::dirfd(verzeichnis.get()), eintrag->d_name, &angaben, 0) == 0 &&
+            S_ISREG(angaben.st_mode))
+            eintraege.push_back({eintrag->d_name, dateistand(angaben)});
+    }
+    return eintraege;
 }
 
 bool LinuxDateisystem::ordnerWechseln(const std::string& pfad) {

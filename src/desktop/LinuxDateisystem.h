@@ -29,6 +29,7 @@ class LinuxDateisystem : public Dateisystem {
     [[nodiscard]] bool loeschen(const std::string& pfad) override;
     [[nodiscard]] bool umbenennen(const std::string& von, const std::string& nach) override;
 
+    std::optional<std::vector<Ordnereintrag>> ordnerinhalt(const std::string& pfad) override;
     [[nodiscard]] bool ordnerAnlegen(const std::string& pfad) override;
     [[nodiscard]] bool ordnerWechseln(const std::string& pfad) override;
 

@@ -66,6 +66,16 @@ std::int32_t LinuxRechner::freierSpeicher() {
     return n > 0 ? freierSpeicherAus({anfang.data(), static_cast<std::size_t>(n)}) : 0;
 }
 
+// Where a Linux system keeps what the numbers mean.
+std::optional<std::string> LinuxRechner::spezialordner(int nummer) {
+    switch (nummer) {
+        case 36: return "\\usr";
+        case 37: return "\\usr\\lib";
+        case 38: return "\\usr\\bin";
+        default: return std::nullopt;
+    }
+}
+
 double LinuxRechner::zufall() { return static_cast<double>(zufall_() >> 11) * 0x1.0p-53; }
 
 }  // namespace wendel

@@ -23,6 +23,7 @@ class LinuxRechner : public Rechner {
     // rest of the buffer behind the closing NUL stays as it was.
     [[nodiscard]] bool rechnername(std::string& puffer) override;
     std::int32_t freierSpeicher() override;
+    std::optional<std::string> spezialordner(int nummer) override;
     double zufall() override;
 
   private:

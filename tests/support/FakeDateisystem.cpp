@@ -110,6 +110,19 @@ std::optional<Dateistand> FakeDateisystem::stand(const std::string& pfad) {
     return Dateistand{gelesen->size(), zeit == geaendertNs.end() ? 0 : zeit->second};
 }
 
+std::optional<std::vector<Ordnereintrag>> FakeDateisystem::ordnerinhalt(const std::string& pfad) {
+    const std::string ordner = ordnerpfad(pfad);
+    if (!vorgang("ordnerinhalt", pfad) || !ordner_.contains(ordner)) return std::nullopt;
+    std::vector<Ordnereintrag> eintraege;
+    for (const auto& [datei, text] : dateien_) {
+        const std::string name = datei.starts_with(ordner) ? datei.substr(ordner.size()) : "";
+        const auto zeit = geaendertNs.find(datei);
+        if (!name.empty() && name.find('\\') == std::string::npos)
+            eintraege.push_back({name, {text.size(), zeit == geaendertNs.end() ? 0 : zeit->second}});
+    }
+    return eintraege;
+}
+
 std::optional<std::string> FakeDateisystem::lesen(const std::string& pfad) {
     return vorgang("lesen", pfad) ? inhalt(pfad) : std::nullopt;
 }

@@ -14,8 +14,9 @@ void Aufrufe::notiere(Portart art, std::string_view vorgang, std::string_view ar
     zaehle(art);
     if (!mitschreiben) return;
     static constexpr std::array<std::string_view, kPortarten> kNamen = {
-        "Uhr",          "Dateisystem", "Meldungen",         "Fenstersystem", "Klang",    "Prozesse",
-        "Dateistarter", "Automation",  "TaskleistenSymbol", "Rechner",       "Datenbank"};
+        "Uhr",          "Dateisystem",   "Meldungen",         "Fenstersystem",   "Klang",     "Prozesse",
+        "Dateistarter", "Automation",    "TaskleistenSymbol", "Rechner",         "Datenbank", "Fernsteuerung",
+        "Energie",      "Registrierung", "Einwahl",           "Statusverbindung"};
     std::string zeile(kNamen[static_cast<std::size_t>(art)]);
     zeile.append(".").append(vorgang).append("(").append(argumente).append(")");
     zeilen.push_back(std::move(zeile));
@@ -85,6 +86,7 @@ Antwort FakeMeldungen::meldung(const std::string& text, int stil, const std::str
 void FakeMeldungen::zeigeFehlerOhneWarten(const std::string& text, int, const std::string&,
                                           const std::string&, const std::string&) {
     aufrufe().notiere(Portart::Meldungen, "zeigeFehlerOhneWarten", text);
+    fehler.push_back(text);
 }
 
 // ---- windows ----
@@ -234,6 +236,104 @@ double FakeRechner::zufall() {
     return naechste;
 }
 
+std::optional<std::string> FakeRechner::spezialordner(int nummer) {
+    aufrufe().notiere(Portart::Rechner, "spezialordner", std::to_string(nummer));
+    const auto pfad = spezialordnerpfade.find(nummer);
+    return pfad == spezialordnerpfade.end() ? std::nullopt : std::optional(pfad->second);
+}
+
+// ---- other programs, energy ----
+
+bool FakeFernsteuerung::starteBefehlszeile(const std::string& befehlszeile) {
+    aufrufe().notiere(Portart::Fernsteuerung, "starteBefehlszeile", befehlszeile);
+    if (beimStart && !beimStart(befehlszeile)) return false;
+    return !fehlendeProgramme.contains(befehlszeile);
+}
+
+Fensterhandle FakeFernsteuerung::fensterNachTitel(const std::string& titel) {
+    aufrufe().notiere(Portart::Fernsteuerung, "fensterNachTitel", titel);
+    const auto offen = std::find(fenster.begin(), fenster.end(), titel);
+    if (offen != fenster.end()) return static_cast<Fensterhandle>(offen - fenster.begin()) + 1;
+    const auto spaeter = oeffnetUm.find(titel);
+    if (spaeter == oeffnetUm.end() || !uhr_ || uhr_->laufzeitMs() < spaeter->second) return 0;
+    fenster.push_back(titel);
+    return fenster.size();
+}
+
+void FakeFernsteuerung::zeigeNormal(Fensterhandle handle) {
+    aufrufe().notiere(Portart::Fernsteuerung, "zeigeNormal", std::to_string(handle));
+}
+
+bool FakeFernsteuerung::aktivieren(const std::string& titel) {
+    aufrufe().notiere(Portart::Fernsteuerung, "aktivieren", titel);
+    return fensterNachTitel(titel) != 0;
+}
+
+bool FakeFernsteuerung::sendeTasten(std::span<const Tastenereignis> ereignisse) {
+    aufrufe().notiere(Portart::Fernsteuerung, "sendeTasten", std::to_string(ereignisse.size()));
+    gesendet.emplace_back(ereignisse.begin(), ereignisse.end());
+    return nimmtTasten;
+}
+
+void FakeFernsteuerung::signalton() { aufrufe().notiere(Portart::Fernsteuerung, "signalton"); }
+
+void FakeEnergie::wachhalten(const std::string& grund) {
+    aufrufe().notiere(Portart::Energie, "wachhalten", grund);
+    wach = true;
+}
+
+void FakeEnergie::schlafErlauben() {
+    aufrufe().notiere(Portart::Energie, "schlafErlauben");
+    wach = false;
+}
+
+bool FakeEnergie::weckenUm(std::optional<Datum> moment) {
+    aufrufe().notiere(Portart::Energie, "weckenUm", moment ? datumKompakt(*moment) : "");
+    weckzeit = weckenErlaubt ? moment : std::nullopt;
+    return weckenErlaubt;
+}
+
+Registrierung::Schluessel FakeRegistrierung::oeffnen(Registrierungswurzel wurzel, const std::string& pfad,
+                                                     std::uint32_t) {
+    const std::string ganzer = (wurzel == Registrierungswurzel::Rechner ? "HKLM\\" : "HKCU\\") + pfad;
+    aufrufe().notiere(Portart::Registrierung, "oeffnen", ganzer);
+    if (!schluessel.contains(ganzer)) return 0;
+    const Schluessel neu = offene_.empty() ? 1 : offene_.rbegin()->first + 1;
+    offene_[neu] = ganzer;
+    return neu;
+}
+
+Registrierung::Schluessel FakeRegistrierung::anlegen(Registrierungswurzel wurzel, const std::string& pfad,
+                                                     std::uint32_t rechte) {
+    if (anlegbar && wurzel == Registrierungswurzel::AktuellerBenutzer) schluessel.insert("HKCU\\" + pfad);
+    return oeffnen(wurzel, pfad, rechte);
+}
+
+bool FakeRegistrierung::setzeWert(Schluessel offen, const std::string& name, const Registrierungswert& wert) {
+    if (!vergesslich) werte[offene_.at(offen) + "\\" + name] = wert;
+    return true;
+}
+
+std::optional<Registrierungswert> FakeRegistrierung::frageWert(Schluessel offen, const std::string& name) {
+    const auto wert = werte.find(offene_.at(offen) + "\\" + name);
+    return wert == werte.end() ? std::nullopt : std::optional(wert->second);
+}
+
+bool FakeRegistrierung::loescheWert(Schluessel offen, const std::string& name) {
+    return werte.erase(offene_.at(offen) + "\\" + name) > 0;
+}
+
+void FakeStatusverbindung::sage(const std::string& label, const std::string& code) {
+    if (verbunden) empfaenger_.statusLabel(label);
+    if (verbunden) empfaenger_.statusCode(code);
+}
+
+bool FakeStatusverbindung::verbinden(const Empfaenger& empfaenger) {
+    aufrufe().notiere(Portart::Statusverbindung, "verbinden");
+    empfaenger_ = empfaenger;
+    return verbunden = bedient;
+}
+
 // ---- all of them ----
 
 FakePorts::FakePorts() {
@@ -243,8 +343,8 @@ FakePorts::FakePorts() {
 
 Ports FakePorts::ports() {
     Datenbankmaschinen& maschinen = echteDatenbanken ? *echteDatenbanken : datenbanken;
-    return {uhr,     dateien,    meldungen, fenster, klang,    prozesse,
-            starter, automation, symbol,    rechner, maschinen};
+    return {uhr,        dateien, meldungen, fenster,   klang,         prozesse, starter,
+            automation, symbol,  rechner,   maschinen, fernsteuerung, energie};
 }
 
 }  // namespace wendel

@@ -12,6 +12,7 @@
 #include <memory>
 #include <optional>
 #include <set>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -20,6 +21,9 @@
 
 #include "platform/Fehler.h"
 #include "platform/Ports.h"
+#include "platform/ports/Einwahl.h"
+#include "platform/ports/Registrierung.h"
+#include "platform/ports/Statusverbindung.h"
 
 namespace wendel {
 
@@ -35,9 +39,14 @@ enum class Portart {
     Automation,
     TaskleistenSymbol,
     Rechner,
-    Datenbank
+    Datenbank,
+    Fernsteuerung,
+    Energie,
+    Registrierung,
+    Einwahl,
+    Statusverbindung
 };
-inline constexpr std::size_t kPortarten = 11;
+inline constexpr std::size_t kPortarten = 16;
 
 // The common journal: numbers of calls by kind and, while mitschreiben is set, one line per call in their
 // order, "Fenstersystem.zeigen(7)". Clock readings are only counted.
@@ -142,6 +151,7 @@ class FakeDateisystem : public FakeBasis, public Dateisystem {
     [[nodiscard]] bool anhaengen(const std::string& pfad, std::string_view inhalt) override;
     [[nodiscard]] bool loeschen(const std::string& pfad) override;
     [[nodiscard]] bool umbenennen(const std::string& von, const std::string& nach) override;
+    std::optional<std::vector<Ordnereintrag>> ordnerinhalt(const std::string& pfad) override;
     [[nodiscard]] bool ordnerAnlegen(const std::string& pfad) override;
     [[nodiscard]] bool ordnerWechseln(const std::string& pfad) override;
     std::string pfadAnzeige(const std::string& pfad) override { return pfad; }
@@ -179,6 +189,7 @@ class FakeMeldungen : public FakeBasis, public Meldungen {
     // Answers in their order; after the last one every box is declined: cancel, no, or plain OK.
     std::deque<Antwort> antworten;
     std::vector<Kasten> gezeigt;
+    std::vector<std::string> fehler;  // texts shown without waiting
     // Runs while the box is open, before its answer is taken.
     std::function<void(const Kasten&)> imKasten;
 
@@ -297,7 +308,95 @@ class FakeRechner : public FakeBasis, public Rechner {
 
     [[nodiscard]] bool rechnername(std::string& puffer) override;
     std::int32_t freierSpeicher() override { return aufrufe().zaehle(Portart::Rechner), 123456789; }
+    std::optional<std::string> spezialordner(int nummer) override;
     double zufall() override;
+
+    std::map<int, std::string> spezialordnerpfade = {{36, "\\usr"}, {37, "\\usr\\lib"}, {38, "\\usr\\bin"}};
+};
+
+// Windows open when they are put into fenster, or when the running time has reached the one that a started
+// program is given by oeffnetNachMs.
+class FakeFernsteuerung : public FakeBasis, public Fernsteuerung {
+  public:
+    explicit FakeFernsteuerung(Aufrufe* gemeinsam = nullptr, FakeUhr* uhr = nullptr)
+        : FakeBasis(gemeinsam), uhr_(uhr) {}
+
+    std::string hindernisText;
+    std::set<std::string> fehlendeProgramme;                         // by whole command line
+    std::function<bool(const std::string& befehlszeile)> beimStart;  // sees each start and decides about it
+    std::vector<std::string> fenster;                                // titles
+    std::map<std::string, std::int64_t> oeffnetUm;                   // titles, running time in ms
+    bool nimmtTasten = true;
+    std::vector<std::vector<Tastenereignis>> gesendet;
+
+    std::string hindernis() override { return hindernisText; }
+    bool starteBefehlszeile(const std::string& befehlszeile) override;
+    Fensterhandle fensterNachTitel(const std::string& titel) override;
+    void zeigeNormal(Fensterhandle handle) override;
+    bool aktivieren(const std::string& titel) override;
+    bool sendeTasten(std::span<const Tastenereignis> ereignisse) override;
+    void signalton() override;
+
+  private:
+    FakeUhr* uhr_;
+};
+
+class FakeEnergie : public FakeBasis, public Energie {
+  public:
+    using FakeBasis::FakeBasis;
+    bool wach = false;
+    bool weckenErlaubt = true;
+    std::optional<Datum> weckzeit;
+
+    void wachhalten(const std::string& grund) override;
+    void schlafErlauben() override;
+    bool weckenUm(std::optional<Datum> moment) override;
+};
+
+// Keys and values by their whole names, "HKCU\\Software\\Test" and "HKCU\\Software\\Test\\Name".
+class FakeRegistrierung : public FakeBasis, public Registrierung {
+  public:
+    using FakeBasis::FakeBasis;
+    std::set<std::string> schluessel;
+    std::map<std::string, Registrierungswert> werte;
+    bool vergesslich = false;  // writes succeed, and nothing is kept
+    bool anlegbar = true;
+
+    Schluessel oeffnen(Registrierungswurzel wurzel, const std::string& pfad, std::uint32_t rechte) override;
+    Schluessel anlegen(Registrierungswurzel wurzel, const std::string& pfad, std::uint32_t rechte) override;
+    [[nodiscard]] bool setzeWert(Schluessel offen, const std::string& name,
+                                 const Registrierungswert& wert) override;
+    std::optional<Registrierungswert> frageWert(Schluessel offen, const std::string& name) override;
+    [[nodiscard]] bool loescheWert(Schluessel offen, const std::string& name) override;
+    [[nodiscard]] bool sichern(Schluessel) override { return true; }
+    void schliessen(Schluessel offen) override { offene_.erase(offen); }
+
+  private:
+    std::map<Schluessel, std::string> offene_;
+};
+
+class FakeEinwahl : public FakeBasis, public Einwahl {
+  public:
+    using FakeBasis::FakeBasis;
+    std::optional<std::vector<std::string>> verbindungen;
+    std::optional<std::vector<std::string>> aktiveVerbindungen() override {
+        return aufrufe().zaehle(Portart::Einwahl), verbindungen;
+    }
+};
+
+// The update program's side of the link: it serves while `bedient` is set, and speaks with sage().
+class FakeStatusverbindung : public FakeBasis, public Statusverbindung {
+  public:
+    using FakeBasis::FakeBasis;
+    bool bedient = false, verbunden = false;
+
+    // Nobody hears it without a link.
+    void sage(const std::string& label, const std::string& code);
+    [[nodiscard]] bool verbinden(const Empfaenger& empfaenger) override;
+    void trennen() override { verbunden = false; }
+
+  private:
+    Empfaenger empfaenger_;
 };
 
 // ---- the database engine ----
@@ -388,6 +487,11 @@ struct FakePorts {
     FakeSymbol symbol{&aufrufe};
     FakeRechner rechner{&aufrufe};
     FakeDatenbankmaschinen datenbanken{&aufrufe};
+    FakeFernsteuerung fernsteuerung{&aufrufe, &uhr};
+    FakeEnergie energie{&aufrufe};
+    FakeRegistrierung registrierung{&aufrufe};
+    FakeEinwahl einwahl{&aufrufe};
+    FakeStatusverbindung statusverbindung{&aufrufe};
     // A real engine in place of datenbanken; outlives what is made of the ports.
     Datenbankmaschinen* echteDatenbanken = nullptr;
 };
