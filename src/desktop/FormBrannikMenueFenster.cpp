@@ -7,11 +7,11 @@
 #include <QWidget>
 #include <QWindow>
 
+#include "desktop/Desktopfenster.h"
 #include "desktop/Menuemaler.h"
 #include "desktop/PicPaint.h"
 #include "desktop/PictureTagestipp.h"
 #include "desktop/QtText.h"
-#include "desktop/X11.h"
 #include "traymenu/FormBrannikMenue.h"
 
 namespace wendel {
@@ -122,13 +122,7 @@ void FormBrannikMenueFenster::verbergen() {
     fenster_->hide();
 }
 
-// The click that opened the menu went to the panel's process; a window manager that guards the keyboard
-// believes that only when asked as a panel asks.
-void FormBrannikMenueFenster::aktivieren() {
-    fenster_->raise();
-    fenster_->activateWindow();
-    if (const auto x11 = X11::verbindung()) x11->aktiviere(static_cast<xcb_window_t>(fenster_->winId()));
-}
+void FormBrannikMenueFenster::aktivieren() { Desktopfenster::aktiviereEigenes(*fenster_); }
 
 void FormBrannikMenueFenster::setzeTimerEinblendung(int ms) { stelle(*timerEinblendung_, ms); }
 

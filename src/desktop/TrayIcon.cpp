@@ -126,10 +126,10 @@ void TrayIcon::angeklickt(QSystemTrayIcon::ActivationReason grund) {
         case QSystemTrayIcon::Context:
             // A tray window reports the press; the menu comes with the release, which goes to the same
             // window.
-            if (trayfenster_) {
-                qApp->installEventFilter(this);
-            } else {
+            if (!trayfenster_) {
                 rechts();
+            } else if (!symbolfenster_) {
+                qApp->installEventFilter(this);
             }
             return;
         case QSystemTrayIcon::MiddleClick:
@@ -151,11 +151,17 @@ void TrayIcon::rechts() {
     if (!istZwilling(letzterRechtsklick_, kZwillingMs)) rechtsklick_.start(0);
 }
 
-// Looks for the release that belongs to the press on the icon.
+// The release that belongs to the first press on the icon shows which window to watch from then on: the
+// second press of two quick ones is reported by no signal.
 bool TrayIcon::eventFilter(QObject* objekt, QEvent* ereignis) {
     const bool los = ereignis->type() == QEvent::MouseButtonRelease &&
                      static_cast<QMouseEvent*>(ereignis)->button() == Qt::RightButton;
     if (los) rechtsklick_.start(0);
+    if (symbolfenster_) return QObject::eventFilter(objekt, ereignis);
+    if (los) {
+        symbolfenster_ = objekt;
+        objekt->installEventFilter(this);
+    }
     if (los || ereignis->type() == QEvent::MouseButtonPress) qApp->removeEventFilter(this);
     return QObject::eventFilter(objekt, ereignis);
 }

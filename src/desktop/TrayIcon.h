@@ -5,6 +5,7 @@
 
 #include <QElapsedTimer>
 #include <QMenu>
+#include <QPointer>
 #include <QSystemTrayIcon>
 #include <QTimer>
 #include <functional>
@@ -54,6 +55,7 @@ class TrayIcon final : public QObject, public TaskleistenSymbol {
     std::unique_ptr<QMenu> anstoss_;
     std::unique_ptr<EinfachesTraymenue> einfaches_;
     std::unique_ptr<QSystemTrayIcon> icon_;
+    QPointer<QObject> symbolfenster_;  // where releases on a tray window's icon arrive, once known
     QElapsedTimer letzteAktivierung_, letzterRechtsklick_;
     QString tipp_;
     std::uint32_t kennung_ = 0;

@@ -179,6 +179,7 @@ bool istDoppelteErinnerung(const Terminliste& termine, const cTermin& neu) {
 struct Abfrage {
     const std::string& datenbankdatei;
     std::string sql;
+    const std::vector<std::string>& kennungen;
     Zusatzspalten spalten;
     Terminbildner bildner;
 };
@@ -192,8 +193,12 @@ Terminliste alleZeilen(Recordset& rs, const Abfrage& abfrage) {
     return termine;
 }
 
+// Without channels no mark can match. The engine would only refuse an empty list as an error of syntax, and
+// the user of a new database would get two boxes before the icon.
 Terminabfrage gelesen(ModulDatenbankzugriff& zugriff, const Abfrage& abfrage) {
     Terminabfrage ergebnis;
+    ergebnis.gelungen = abfrage.kennungen.empty();
+    if (ergebnis.gelungen) return ergebnis;
     std::unique_ptr<Datenbank> db;
     std::unique_ptr<Recordset> rs;
     try {
@@ -219,6 +224,7 @@ Terminabfrage Terminabfragen::ErinnerungenLesen(const std::vector<std::string>& 
     return gelesen(zugriff_, {datenbankdatei_,
                               erinnerungsstatement("Optionen,Datum,Uhrzeit,Sendung,Senderkennung",
                                                    rechnername_, kennungen),
+                              kennungen,
                               {.optionen = true},
                               [&](const Markierung& m) { return kuenftigeErinnerung(m, jetzt); }});
 }
@@ -227,6 +233,7 @@ Terminabfrage Terminabfragen::AufzeichnungenLesen(const std::vector<std::string>
                                                   std::int16_t vorlaufMinuten, std::int16_t nachlaufMinuten) {
     return gelesen(zugriff_, {datenbankdatei_,
                               aufzeichnungsstatement(rechnername_, kennungen),
+                              kennungen,
                               {.dauer = true},
                               [&](const Markierung& m) {
                                   return aufzeichnung(m, jetzt, vorlaufMinuten, nachlaufMinuten);
@@ -238,6 +245,7 @@ Terminabfrage Terminabfragen::VerpassteErinnerungenLesen(const std::vector<std::
     return gelesen(zugriff_, {datenbankdatei_,
                               erinnerungsstatement("Optionen,Datum,Uhrzeit,Dauer,Sendung,Senderkennung",
                                                    rechnername_, kennungen),
+                              kennungen,
                               {.optionen = true, .dauer = true},
                               [&](const Markierung& m) { return verpassteErinnerung(m, jetzt); }});
 }

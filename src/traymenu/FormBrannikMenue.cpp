@@ -22,6 +22,19 @@ bool istKopf(const cMenuePunkt& punkt) { return punkt.UnterMenue != nullptr; }
 
 bool oeffnetSich(const cMenuePunkt& punkt) { return istKopf(punkt) && !punkt.UnterMenue->leer(); }
 
+// What opens nothing is highlighted just enough to show where keys and mouse are.
+Farbe schwach(Farbe flaeche, Farbe hervorhebung) { return Farbverlauf::verlauf(flaeche, hervorhebung, 6)[1]; }
+
+void faerbe(Zeilenbild& bild, const Menuefarben& f) {
+    bild.oben = f.flaecheOben;
+    bild.unten = f.flaecheUnten;
+    bild.schrift = bild.freigegeben ? f.schrift : f.schriftGesperrt;
+    if (!bild.hervorgehoben) return;
+    bild.oben = bild.freigegeben ? f.hervorhebungOben : schwach(f.flaecheOben, f.hervorhebungOben);
+    bild.unten = bild.freigegeben ? f.hervorhebungUnten : schwach(f.flaecheUnten, f.hervorhebungUnten);
+    if (bild.freigegeben) bild.schrift = f.hervorhebungSchrift;
+}
+
 std::string tippname(const Tagestippfelder& tipp) {
     if (tipp.TagesTippPos == 0) return tipp.TagesTippGenre;
     return "Tagestipp: " + tipp.TagesTippUhrzeit + " " + tipp.TagesTippSender + ", " + tipp.TagesTippTitel;
@@ -123,10 +136,7 @@ Zeilenbild FormBrannikMenue::zeilenbild(int index) const {
     bild.hervorgehoben = index == isSelected_;
     bild.freigegeben = !istKopf(dieser) || oeffnetSich(dieser);
     bild.gruppenlinie = index > 1 && dieser.Art != punkt(index - 1)->Art;
-    bild.oben = bild.hervorgehoben ? farben.hervorhebungOben : farben.flaecheOben;
-    bild.unten = bild.hervorgehoben ? farben.hervorhebungUnten : farben.flaecheUnten;
-    bild.schrift = bild.hervorgehoben ? farben.hervorhebungSchrift : farben.schrift;
-    if (!bild.freigegeben && !bild.hervorgehoben) bild.schrift = farben.schriftGesperrt;
+    faerbe(bild, farben);
     bild.symbolX = spalten_.symbolX;
     bild.symbol = Menuetexte::symbol(dieser, kontext_.markierungen);
     const bool sendung = dieser.Art == menueart::kSendung;
@@ -295,10 +305,14 @@ void FormBrannikMenue::waehlen(int index) {
         return;
     }
     const Menuekontext kontext = kontext_;
-    // The guide may take its time to answer; a window of our own comes up easier from an active one.
-    if (punkt(index)->Art == menueart::kSendung) ModulBrannikMenue::HideAllMenues(kontext.geladene);
-    Menuebefehle::ausfuehren(Menuebefehl::von(*punkt(index)), kontext.aktionen);
-    ModulBrannikMenue::HideAllMenues(kontext.geladene);
+    const Menuebefehl befehl = Menuebefehl::von(*punkt(index));
+    // The guide may take its time to answer, and the user open the menu again meanwhile: that one stays. A
+    // window of our own comes up easier from an active one.
+    const bool zuerst =
+        punkt(index)->Art == menueart::kSendung || befehl.Name == Menuebefehle::kFennowStarten;
+    if (zuerst) ModulBrannikMenue::HideAllMenues(kontext.geladene);
+    Menuebefehle::ausfuehren(befehl, kontext.aktionen);
+    if (!zuerst) ModulBrannikMenue::HideAllMenues(kontext.geladene);
 }
 
 void FormBrannikMenue::oeffneMenueMenue(int index, Punkt ort) {

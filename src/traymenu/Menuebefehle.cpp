@@ -12,7 +12,6 @@ namespace Menuebefehle {
 
 namespace {
 
-constexpr const char* kAktivieren = "Aktivieren";
 constexpr const char* kSendungOeffnen = "OpenSendungDBPos=";
 constexpr const char* kSendungErinnern = "AddTerminDBPos=";
 

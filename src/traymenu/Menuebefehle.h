@@ -52,6 +52,9 @@ inline constexpr std::string_view kWendelAnzeigen = "MenueWendelanzeigen";
 inline constexpr std::string_view kBeenden = "mBeenden2";
 inline constexpr std::string_view kSendung = "mSendung";  // followed by the position
 
+// Command text that only brings the main application to the front.
+inline constexpr const char* kAktivieren = "Aktivieren";
+
 // An entry without a sub-menu was chosen.
 void ausfuehren(const Menuebefehl& befehl, Menueaktionen& aktionen);
 

@@ -20,7 +20,6 @@ Datum fruehestes(const Sendungsliste& liste, Datum cSendung::*moment, Datum sons
 }  // namespace
 
 bool Menuelisten::auffrischen() {
-    if (fragt_) return false;
     const Datum jetzt = ports_.uhr.jetzt();
     // Looked at before the questions: what is written while they run makes the lists stale again.
     const Quelle quelle{ausgabe_, ports_.dateien.stand(zugriff_.datenbankdatei())};
@@ -34,11 +33,6 @@ bool Menuelisten::auffrischen() {
 }
 
 bool Menuelisten::fragen(Datum jetzt, const Quelle& quelle) {
-    struct Sperre {
-        explicit Sperre(bool& gesperrt) : gesperrt_(gesperrt) { gesperrt_ = true; }
-        ~Sperre() { gesperrt_ = false; }
-        bool& gesperrt_;
-    } sperre(fragt_);
     try {
         auto db = zugriff_.OpenDatenbank(zugriff_.datenbankdatei());
         frageVeraltete(db, jetzt, quelle);

@@ -25,8 +25,8 @@ class Menuelisten {
 
     // Asks for the stale lists, with one opening of the database for all of them. A list whose query fails is
     // empty, and stale for the next time. Once the user has given up on a failure nothing more is asked: the
-    // lists that are still to come are empty too. False then; never throws a Fehler. A call from inside a box
-    // of this very call does nothing and returns false.
+    // lists that are still to come are empty too. False then; never throws a Fehler. Not to be called from
+    // inside a box of this very call.
     bool auffrischen();
 
     // All four are stale from now on: the data or the settings have changed.
@@ -62,7 +62,6 @@ class Menuelisten {
     const Senderliste& sender_;
     Liste aktuell_, um2015_, gleich_, ab2200_;
     std::uint64_t ausgabe_ = 0;
-    bool fragt_ = false;
 };
 
 }  // namespace wendel

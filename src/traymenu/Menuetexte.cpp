@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "platform/Text.h"
 #include "traymenu/Sendername.h"
 
 namespace wendel::Menuetexte {
@@ -27,7 +28,7 @@ std::string sender(const cMenuePunkt& punkt, const Sendersammlung& alle) {
 }
 
 std::string text(const cMenuePunkt& punkt) {
-    std::string zeile = punkt.Text;
+    std::string zeile = ersetzt(punkt.Text, kCrLf, " ");
     std::replace_if(zeile.begin(), zeile.end(), steuerzeichen, ' ');
     return zeile;
 }

@@ -59,7 +59,7 @@ TEST_F(MenuContent, FitsTheScreen) {
 
 TEST_F(MenuContent, PaintsRowsInColumns) {
     markierungen = {";10;", ";10;11;", ";"};
-    ab2200 = {sendung(10, "A"), sendung(11, "B\nC", "leer"), sendung(1, "", "weg"), sendung(12, "D", "Zdf"),
+    ab2200 = {sendung(10, "A"), sendung(11, "B\r\nC", "leer"), sendung(1, "", "weg"), sendung(12, "D", "Zdf"),
               sendung(13, std::string(300, 'x'))};
     ab2200[3].Bewertung = 6;
     FormBrannikMenue& menue = zeige();
@@ -84,7 +84,8 @@ TEST_F(MenuContent, PaintsRowsInColumns) {
 }
 
 TEST_F(MenuContent, PaintsTheTopWindowInGroupsBelowTheTip) {
-    const Menuebild& bild = view(zeige()).bild;
+    FormBrannikMenue& menue = zeige();
+    const Menuebild& bild = view(menue).bild;
     std::string zeilen;
     for (const Zeilenbild& zeile : bild.zeilen)
         zeilen += std::string(zeile.gruppenlinie ? "-" : " ") + (zeile.pfeil ? ">" : " ") +
@@ -95,6 +96,9 @@ TEST_F(MenuContent, PaintsTheTopWindowInGroupsBelowTheTip) {
     EXPECT_EQ(bild.PicPaint, (Rechteck{1, 81, 260, 164}));
     EXPECT_EQ(bild.fenster, (Groesse{262, 246}));
     EXPECT_EQ(bild.tippName, "Tagestipp: 20:15 Uhr ZDF, Ein Fest");
+    menue.PicPaint_MouseMove(50, 30);
+    const Zeilenbild& leer = view(menue).gemalt.back();
+    EXPECT_TRUE(leer.hervorgehoben && leer.schrift == 4) << "faintly: it opens nothing";
 }
 
 TEST_F(MenuContent, IsTheSameAsAPlainMenu) {
@@ -158,9 +162,11 @@ TEST_F(MenuCommands, OfTheContextMenuHideTheMenuFirst) {
     menue.MenueAnzeigen_Click();
     menue.MenueImTVZeigen_Click();
     EXPECT_EQ(aktionen.rufe, "AddTerminDBPos=30;nachErinnern;OpenSendungDBPos=30;TV zdf;");
-    menue.ShowObermenue({1900, 1030});
-    waehle(menue, 4);
-    EXPECT_FALSE(sichtbar) << "so does a click on a broadcast";
+    for (const int index : {4, 6}) {
+        menue.ShowObermenue({1900, 1030});
+        waehle(menue, index);
+        EXPECT_FALSE(sichtbar) << "so does a click on what waits for the guide: " << index;
+    }
 }
 
 TEST_F(MenuCommands, MayDiscardTheMenuTheyComeFrom) {
