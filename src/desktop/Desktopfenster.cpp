@@ -7,8 +7,8 @@
 #include <QDialog>
 #include <QScreen>
 #include <QWidget>
+#include <algorithm>
 
-#include "desktop/QtText.h"
 #include "desktop/X11.h"
 
 namespace wendel {
@@ -31,25 +31,38 @@ bool wirdAnderswoGetippt(Fensterhandle eigenesFenster) {
     return aktiv != 0 && x11->klient(aktiv) != x11->klient(static_cast<xcb_window_t>(eigenesFenster));
 }
 
-void aktiviereEigenes(QWidget& fenster) {
+int abstand(const QRect& flaeche, const QPoint& ort) {
+    const QPoint naechster(std::clamp(ort.x(), flaeche.left(), flaeche.right()),
+                           std::clamp(ort.y(), flaeche.top(), flaeche.bottom()));
+    return (ort - naechster).manhattanLength();
+}
+
+}  // namespace
+
+Arbeitsbereich Desktopfenster::freieFlaeche(Punkt ort) {
+    const QPoint punkt(ort.x, ort.y);
+    const QList<QScreen*> schirme = QGuiApplication::screens();
+    const auto schirm = std::min_element(schirme.begin(), schirme.end(), [&](QScreen* a, QScreen* b) {
+        return abstand(a->geometry(), punkt) < abstand(b->geometry(), punkt);
+    });
+    if (schirm == schirme.end()) return {};
+    const QRect frei = (*schirm)->availableGeometry();
+    return {.oben = frei.top(),
+            .links = frei.left(),
+            .rechts = frei.left() + frei.width(),
+            .unten = frei.top() + frei.height()};
+}
+
+// The click that the window answers may have gone to a panel's process; a window manager that guards the
+// keyboard believes that only when asked as a panel asks.
+void Desktopfenster::aktiviereEigenes(QWidget& fenster) {
     fenster.raise();
     fenster.activateWindow();
     if (const auto x11 = X11::verbindung())
         x11->aktiviere(static_cast<xcb_window_t>(fenster.internalWinId()));
 }
 
-}  // namespace
-
-Arbeitsbereich Desktopfenster::arbeitsbereich() {
-    const QScreen* schirm = QGuiApplication::screenAt(QCursor::pos());
-    if (schirm == nullptr) schirm = QGuiApplication::primaryScreen();
-    if (schirm == nullptr) return {};
-    const QRect frei = schirm->availableGeometry();
-    return {.oben = frei.top(),
-            .links = frei.left(),
-            .rechts = frei.left() + frei.width(),
-            .unten = frei.top() + frei.height()};
-}
+Arbeitsbereich Desktopfenster::arbeitsbereich() { return freieFlaeche(zeiger()); }
 
 Punkt Desktopfenster::zeiger() {
     const QPoint ort = QCursor::pos();
@@ -101,19 +114,9 @@ bool Desktopfenster::aktivierenNachTitel(const std::string& titel) {
         const QDBusConnection bus = QDBusConnection::sessionBus();
         return bus.isConnected() && bus.interface()->isServiceRegistered(QStringLiteral("Fennow.Open"));
     }
-    const QString gesucht = qtText(titel).toCaseFolded();
-    xcb_window_t beginntDamit = 0;
-    for (const std::uint32_t fenster : x11->werte(x11->wurzel(), "_NET_CLIENT_LIST")) {
-        if (eigenes(fenster) != nullptr) continue;
-        const QString name = qtText(x11->titel(fenster)).toCaseFolded();
-        if (name == gesucht) {
-            x11->aktiviere(fenster);
-            return true;
-        }
-        if (beginntDamit == 0 && name.startsWith(gesucht)) beginntDamit = fenster;
-    }
-    if (beginntDamit == 0) return false;
-    x11->aktiviere(beginntDamit);
+    const xcb_window_t fenster = x11->fremdesFenster(titel, X11::Titelvergleich::AuchAnfang);
+    if (fenster == 0) return false;
+    x11->aktiviere(fenster);
     return true;
 }
 

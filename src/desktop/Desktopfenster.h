@@ -5,10 +5,17 @@
 
 #include "platform/ports/Fenstersystem.h"
 
+class QWidget;
+
 namespace wendel {
 
 class Desktopfenster final : public Fenstersystem {
   public:
+    // The monitor at this place without its panels; of the nearest monitor when there is none.
+    static Arbeitsbereich freieFlaeche(Punkt ort);
+    // Raises a window of our own that is shown and gives it the keyboard.
+    static void aktiviereEigenes(QWidget& fenster);
+
     Arbeitsbereich arbeitsbereich() override;
     Punkt zeiger() override;
     Fensterhandle vordergrundfenster() override;

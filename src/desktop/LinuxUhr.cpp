@@ -135,6 +135,10 @@ void LinuxUhr::nachrichtenVerarbeiten() {
     if (nachrichten_) nachrichten_();
 }
 
+std::time_t LinuxUhr::systemzeit(Datum lokal) const {
+    return weltzeitVon(lokal) - weltzeit().tv_sec + ::time(nullptr);
+}
+
 int LinuxUhr::msBisZurNaechstenSekunde() {
     // Rounded up: a timer that fires a hair early would see the old second.
     const std::int64_t rest = kNsJeSekunde - weltzeit().tv_nsec;

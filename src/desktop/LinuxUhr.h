@@ -38,6 +38,10 @@ class LinuxUhr : public Uhr {
     void schlafe(int ms) override;
     void nachrichtenVerarbeiten() override;
 
+    // When jetzt() will show this local moment, by the system's own clock, in seconds since 1970. The earlier
+    // one of the two in the autumn hour.
+    std::time_t systemzeit(Datum lokal) const;
+
     // Milliseconds, 1 to 1000, until jetzt() shows the next second: a tick started then is aligned.
     int msBisZurNaechstenSekunde();
 

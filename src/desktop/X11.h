@@ -5,6 +5,7 @@
 
 #include <xcb/xcb.h>
 
+#include <array>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -29,12 +30,26 @@ class X11 {
     xcb_window_t auswahlBesitzer(xcb_atom_t auswahl) const;
     // Equal for all windows that one client of the server has made.
     std::uint32_t klient(xcb_window_t fenster) const;
+
+    enum class Titelvergleich { Genau, AuchAnfang };
+    // Another program's top-level window with this title, else, where that will do, the first whose title
+    // begins with it; case ignored. 0 when there is none or the title is empty.
+    xcb_window_t fremdesFenster(const std::string& titel, Titelvergleich vergleich) const;
+    // Keys go to the window or to a dialog that belongs to it.
+    bool hatEingabe(xcb_window_t fenster) const;
+    // Asks for the window neither minimised nor maximised.
+    void zeigeNormal(xcb_window_t fenster) const;
+    // A window manager runs that lists and activates windows.
+    bool hatFenstermanager() const;
+    bool hatErweiterung(const char* name) const;
     int bildschirmnummer() const { return bildschirm_; }
     xcb_window_t wurzel() const { return wurzel_; }
 
   private:
     X11(xcb_connection_t* verbindung, xcb_window_t wurzel, int bildschirm)
         : verbindung_(verbindung), wurzel_(wurzel), bildschirm_(bildschirm) {}
+    // What a pager tells the window manager about a window.
+    void melde(xcb_window_t fenster, const char* nachricht, const std::array<std::uint32_t, 5>& werte) const;
     std::string textwert(xcb_window_t fenster, const char* name, const char* typ) const;
 
     xcb_connection_t* verbindung_;

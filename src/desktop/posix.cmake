@@ -2,6 +2,7 @@
 wendel_library(wendel_posix
   SOURCES
     Abloesung.cpp
+    Autostarteintrag.cpp
     AufwachMelder.cpp
     Einzelinstanz.cpp
     LinuxDateistarter.cpp
@@ -10,8 +11,12 @@ wendel_library(wendel_posix
     LinuxProzesse.cpp
     LinuxRechner.cpp
     LinuxUhr.cpp
+    Netzschnittstellen.cpp
     Pfade.cpp
     Programmordner.cpp
+    Programmzeile.cpp
+    Registrierungsdatei.cpp
+    Weckalarm.cpp
   LINKS wendel_platform)
 
 # Asks for a display before the toolkit does.

@@ -1,6 +1,7 @@
 // Starting programs and documents: the codes, the arguments, and that nothing of ours goes along.
 
 #include "desktop/LinuxDateistarter.h"
+#include "desktop/Programmzeile.h"
 #include "desktop/posix/Werkzeug.h"
 
 namespace wendel {
@@ -100,6 +101,34 @@ TEST_F(Starter, StartedProgramIsOnItsOwn) {
     EXPECT_EQ(anfang, text.substr(0, anfang.size()));
     EXPECT_NE(std::to_string(::getpid()) + "\n", text.substr(anfang.size()));
     EXPECT_EQ(-1, ::waitpid(-1, nullptr, WNOHANG)) << "a child of ours is left";
+}
+
+TEST_F(Starter, CommandLinesOfScriptsFindTheirProgram) {
+    temp.datei("tv/kaputt", "\x01\x02\x03\x04", 0755);
+    temp.datei("tv/ohne", "#!/bin/sh\n", 0644);
+    for (const char* name : {"tv/kurz", "tv app/lang", "tv app/mein tv", "tv/mit\\strich", "path/werkzeug"})
+        programm(name);
+    // "@" is the folder of the test; nothing is started where no report is expected.
+    const std::pair<std::string, std::string> faelle[] = {
+        {R"(@/tv/kurz  /kanal=3 "zwei Worte" a\z)", R"(kurz /kanal=3 zwei Worte a\z)"},
+        {R"("@\tv app\LANG" -x)", "lang -x"},
+        {R"( @\tv app\lang -x "y z")", "lang -x y z"},
+        {"@/tv app/mein tv", "mein tv"},
+        {R"(@/tv/mit\strich)", R"(mit\strich)"},
+        {"werkzeug ü", "werkzeug ü"},
+        {"fehlt -x", ""},
+        {R"("@/tv app/fehlt" -x)", ""},
+        {R"("@/tv" app/lang)", ""},
+        {"@/tv/kaputt", ""},
+        {"@/tv/ohne", ""},
+        {"@/tv", ""},
+        {"", ""}};
+    for (auto [zeile, erwartet] : faelle) {
+        for (std::size_t i; (i = zeile.find('@')) != std::string::npos;)
+            zeile.replace(i, 1, temp.pfad());
+        const bool gestartet = starteProgrammzeile(zeile);
+        EXPECT_EQ(gestartet ? bericht() : hier, erwartet + hier) << zeile;
+    }
 }
 
 }  // namespace

@@ -1,0 +1,77 @@
+#include "desktop/Autostarteintrag.h"
+
+#include <unistd.h>
+
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "desktop/LinuxDateistarter.h"
+#include "desktop/LinuxDateisystem.h"
+#include "desktop/Pfade.h"
+#include "platform/Text.h"
+
+namespace wendel {
+
+namespace {
+
+constexpr std::string_view kZeile = "X-Wendel-Run=";
+constexpr std::string_view kVersteckt = "Hidden=true";
+constexpr std::string_view kAbgeschaltet = "X-GNOME-Autostart-enabled=false";
+
+// One argument of the Exec key: in quotes, where the rules reserve some characters, and "%" doubled.
+std::string execArgument(std::string_view argument) {
+    std::string wert = "\"";
+    for (const char c : argument) {
+        if (c == '"' || c == '`' || c == '$' || c == '\\') wert += '\\';
+        wert += c;
+        if (c == '%') wert += '%';
+    }
+    return wert + '"';
+}
+
+// The launcher that the line names, where the machine has it; else the program itself, which then has to wait
+// for the desktop as the launcher would have made it.
+std::string execZeile(const std::string& zeile, const std::string& eigenesProgramm) {
+    std::vector<std::string> argumente = argumenteAus(zeile);
+    std::string starter = argumente.empty() ? "" : nativerPfad(argumente.front());
+    if (starter.empty() || ::access(starter.c_str(), X_OK) != 0) {
+        starter = eigenesProgramm;
+        argumente = {eigenesProgramm, "/pcstart"};
+    }
+    argumente.front() = starter;
+    for (std::string& argument : argumente)
+        argument = execArgument(argument);
+    return Join(argumente, " ");
+}
+
+}  // namespace
+
+Autostarteintrag::Autostarteintrag(std::string datei, std::string eigenesProgramm)
+    : datei_(std::move(datei)), eigenesProgramm_(std::move(eigenesProgramm)) {}
+
+bool Autostarteintrag::setze(const std::string& zeile) {
+    LinuxDateisystem dateien;
+    const std::string inhalt =
+        "[Desktop Entry]\nType=Application\nVersion=1.0\nName=Lomrick\nComment=Erinnert an Sendungen und "
+        "Termine\nIcon=wendel\nExec=" +
+        maskiert(execZeile(zeile, eigenesProgramm_)) + "\n" + std::string(kZeile) + maskiert(zeile) + "\n";
+    return dateien.ordnerAnlegen(logischerPfad(elternordner(datei_))) && dateien.ersetzen(datei_, inhalt);
+}
+
+std::optional<std::string> Autostarteintrag::zeile() const {
+    const auto inhalt = LinuxDateisystem().lesen(datei_);
+    std::optional<std::string> gefunden;
+    for (const std::string& zeile : Split(inhalt.value_or(""), "\n")) {
+        if (zeile == kVersteckt || zeile == kAbgeschaltet) return std::nullopt;
+        if (zeile.starts_with(kZeile)) gefunden = demaskiert(std::string_view(zeile).substr(kZeile.size()));
+    }
+    return gefunden;
+}
+
+bool Autostarteintrag::loesche() {
+    LinuxDateisystem dateien;
+    return dateien.existiert(datei_) && dateien.loeschen(datei_);
+}
+
+}  // namespace wendel

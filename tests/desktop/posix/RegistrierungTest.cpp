@@ -1,0 +1,124 @@
+// Typed values on the file that stands for the registry, and the autostart entry that one of them is.
+
+#include "desktop/Registrierungsdatei.h"
+#include "desktop/posix/Werkzeug.h"
+#include "platform/ModulRegistrierung.h"
+#include "platform/Text.h"
+
+namespace wendel {
+namespace {
+
+using namespace ModulRegistrierung;
+using namespace std::string_literals;
+
+constexpr auto kBenutzer = Registrierungswurzel::AktuellerBenutzer;
+constexpr auto kRechner = Registrierungswurzel::Rechner;
+const std::string kPfad = "Software\\Kestrin\\Wendel";
+const std::string kRun = "Software\\Microsoft\\Windows\\CurrentVersion\\Run";
+
+struct RegistryFile : testing::Test {
+    Registrierungsdatei offene() {
+        return {temp / "wendel/registrierung.txt",
+                {temp / "autostart/wendel.desktop", "/opt/we ndel/bin/wendel"}};
+    }
+    Variant lies(const std::string& name, bool roh = false) {
+        Variant wert;
+        EXPECT_TRUE(ReadValue(registrierung, kBenutzer, kPfad, name, wert, roh)) << name;
+        return wert;
+    }
+    TempOrdner temp;
+    Registrierungsdatei registrierung = offene();
+};
+
+TEST_F(RegistryFile, GivesEveryTypeBackToAnotherProcess) {
+    const Variant datum = Variant::datum(DateSerial(2012, 12, 24) + TimeSerial(20, 15, 3));
+    const struct {
+        const char* name;
+        Variant geschrieben, gelesen, roh;
+    } faelle[] = {
+        {"kurz", Variant::integer(-2), Variant::lang(-2), Variant::lang(-2)},
+        {"lang", Variant::lang(-2147483647 - 1), Variant::lang(-2147483647 - 1),
+         Variant::lang(-2147483647 - 1)},
+        {"ja", Variant::boolesch(true), Variant::boolesch(true), Variant::text("typboolean:true")},
+        {"nein", Variant::boolesch(false), Variant::boolesch(false), Variant::text("typboolean:false")},
+        {"datum", datum, datum, Variant::text("typdate:20121224201503")},
+        {"fremdes Datum", Variant::text("typdate:24.12.2012 20:15:03"), datum,
+         Variant::text("typdate:24.12.2012 20:15:03")},
+        {"Vorsatz im Text", Variant::text("typboolean:true"), Variant::boolesch(true),
+         Variant::text("typboolean:true")},
+        {"exakt", Variant::text("typboolean:TRUE"), Variant::boolesch(false),
+         Variant::text("typboolean:TRUE")},
+        {"Zeichen]\"\\ =:", Variant::text("a\"]\\x00\r\n[b] ä€"), Variant::text("a\"]\\x00\r\n[b] ä€"),
+         Variant::text("a\"]\\x00\r\n[b] ä€")},
+        {"Nullen", Variant::text("a\0b\0"s), Variant::text("a\0b"s), Variant::text("a\0b"s)},
+        {"leer", Variant::text(""), Variant::text(""), Variant::text("")},
+    };
+    ASSERT_TRUE(CreateKey(registrierung, kBenutzer, kPfad));
+    for (const auto& fall : faelle)
+        EXPECT_TRUE(WriteValue(registrierung, kBenutzer, kPfad, fall.name, fall.geschrieben)) << fall.name;
+    Registrierungsdatei andere = offene();
+    for (const auto& fall : faelle) {
+        Variant wert, roh;
+        EXPECT_TRUE(ReadValue(andere, kBenutzer, LCase(kPfad), UCase(fall.name), wert)) << fall.name;
+        EXPECT_TRUE(ReadValue(andere, kBenutzer, kPfad, fall.name, roh, true)) << fall.name;
+        EXPECT_EQ(wert, fall.gelesen) << fall.name;
+        EXPECT_EQ(roh, fall.roh) << fall.name;
+    }
+}
+
+TEST_F(RegistryFile, MakesNothingByItselfAndSaysWhatIsMissing) {
+    Variant wert = Variant::text("unberührt");
+    EXPECT_FALSE(KeyExists(registrierung, kBenutzer, kPfad));
+    EXPECT_FALSE(WriteValue(registrierung, kBenutzer, kPfad, "x", Variant::lang(1)));
+    EXPECT_FALSE(CreateKey(registrierung, kRechner, kPfad));
+    ASSERT_TRUE(CreateKey(registrierung, kBenutzer, kPfad));
+    EXPECT_TRUE(KeyExists(registrierung, kBenutzer, "Software\\Kestrin"));
+    EXPECT_TRUE(WriteValue(registrierung, kBenutzer, kPfad, "x", Variant::doppelt(1.5)));
+    EXPECT_TRUE(WriteValue(registrierung, kBenutzer, kPfad, "kaputt", Variant::text("typdate:gestern")));
+    for (const char* name : {"x", "kaputt"})
+        EXPECT_FALSE(ReadValue(registrierung, kBenutzer, kPfad, name, wert)) << name;
+    EXPECT_EQ(wert, Variant::text("unberührt"));
+    EXPECT_TRUE(DeleteValue(registrierung, kBenutzer, kPfad, "KAPUTT"));
+    EXPECT_FALSE(DeleteValue(registrierung, kBenutzer, kPfad, "kaputt"));
+}
+
+TEST_F(RegistryFile, TwoProcessesLoseNothing) {
+    constexpr int kWerte = 50;
+    ASSERT_TRUE(CreateKey(registrierung, kBenutzer, kPfad));
+    const auto schreibe = [&](const std::string& vorsatz) {
+        Registrierungsdatei eigene = offene();
+        for (int i = 0; i < kWerte; ++i) {
+            if (!WriteValue(eigene, kBenutzer, kPfad, vorsatz + std::to_string(i), Variant::lang(i)))
+                ::_exit(1);
+        }
+    };
+    Kind erster([&](int) { schreibe("a"); }), zweiter([&](int) { schreibe("b"); });
+    EXPECT_EQ(0, erster.warte() + zweiter.warte());
+    for (int i = 0; i < kWerte; ++i)
+        EXPECT_EQ(lies("a" + std::to_string(i)), lies("b" + std::to_string(i)));
+}
+
+TEST_F(RegistryFile, RunValueIsTheAutostartEntryOfTheDesktop) {
+    const std::string starter = temp.skript("Suite %/tessaly.exe", "");
+    const struct {
+        std::string zeile, exec;
+    } faelle[] = {
+        {"\"" + logischerPfad(starter) + "\" wendel pcstart",
+         "Exec=\"" + temp.pfad() + "/Suite %%/tessaly.exe\" \"wendel\" \"pcstart\"\n"},
+        {"\"C:\\Suite\\tessaly.exe\" wendel pcstart", "Exec=\"/opt/we ndel/bin/wendel\" \"/pcstart\"\n"},
+    };
+    for (const auto& fall : faelle) {
+        ASSERT_TRUE(WriteValue(registrierung, kBenutzer, kRun, "Wendel", Variant::text(fall.zeile)));
+        Variant wert;
+        EXPECT_TRUE(ReadValue(registrierung, kBenutzer, kRun, "wendel", wert, true));
+        EXPECT_EQ(wert, Variant::text(fall.zeile));
+        EXPECT_NE(std::string::npos, inhaltVon(temp / "autostart/wendel.desktop").find(fall.exec))
+            << fall.exec;
+    }
+    EXPECT_TRUE(DeleteValue(registrierung, kBenutzer, kRun, "Wendel"));
+    EXPECT_EQ("", inhaltVon(temp / "autostart/wendel.desktop"));
+    EXPECT_FALSE(DeleteValue(registrierung, kBenutzer, kRun, "Wendel"));
+}
+
+}  // namespace
+}  // namespace wendel
