@@ -14,6 +14,7 @@
 #include "core/FormWendel.h"
 #include "desktop/Anzeigepruefung.h"
 #include "desktop/BusAutomation.h"
+#include "desktop/BusStatusverbindung.h"
 #include "desktop/Desktopfenster.h"
 #include "desktop/Desktopmenues.h"
 #include "desktop/DeutscheTexte.h"
@@ -22,6 +23,9 @@
 #include "desktop/Farbschema.h"
 #include "desktop/Fensterrolle.h"
 #include "desktop/Fenstersperre.h"
+#include "desktop/FormAufzeichnungsHinweisFenster.h"
+#include "desktop/FormAufzeichnungsskriptFenster.h"
+#include "desktop/FormAufzeichnungsverlaufFenster.h"
 #include "desktop/FormHinweisFenster.h"
 #include "desktop/FormTerminFenster.h"
 #include "desktop/FormWendelFenster.h"
@@ -31,13 +35,17 @@
 #include "desktop/LinuxProzesse.h"
 #include "desktop/LinuxRechner.h"
 #include "desktop/LinuxUhr.h"
+#include "desktop/LoginEnergie.h"
 #include "desktop/Meldungsfenster.h"
+#include "desktop/Netzverbindung.h"
 #include "desktop/Pfade.h"
 #include "desktop/Programmordner.h"
 #include "desktop/QtText.h"
+#include "desktop/Registrierungsdatei.h"
 #include "desktop/Sekundentakt.h"
 #include "desktop/TrayIcon.h"
 #include "desktop/WendelOpen.h"
+#include "desktop/X11Fernsteuerung.h"
 #include "jet/JetDatenbankmaschinen.h"
 #include "platform/Text.h"
 #include "tvdb/Einstellungen.h"
@@ -94,8 +102,9 @@ class Programm {
           meldungen_(fenster_),
           automation_(meldungen_),
           datenbanken_(uhr_, [](const std::string& pfad) { return nativerPfad(pfad); }),
-          ports_{uhr_,     unterbau.dateien, meldungen_, fenster_, klang_,      prozesse_,
-                 starter_, automation_,      symbol_,    rechner_, datenbanken_},
+          energie_(uhr_),
+          ports_{uhr_,        unterbau.dateien, meldungen_, fenster_,     klang_,         prozesse_, starter_,
+                 automation_, symbol_,          rechner_,   datenbanken_, fernsteuerung_, energie_},
           menues_(unterbau.programmordner),
           dienst_([this](const std::string& text) { anwendung_->DoThis(text); }),
           takt_(uhr_, [this] { anwendung_->tick(); }),
@@ -107,11 +116,21 @@ class Programm {
         terminFenster_.setzeSperre([this](bool gesperrt) { listensperre_.setze(gesperrt); });
         uhr_.setzeNachrichten([] { QCoreApplication::processEvents(); });
         anwendung_ = std::make_unique<Anwendung>(
-            ports_, wendelFenster_, hinweisFenster_, terminFenster_, menues_,
+            ports_, Systemdienste{registrierung_, netz_, statusverbindung_},
+            Ansichten{.wendel = wendelFenster_,
+                      .hinweis = hinweisFenster_,
+                      .termin = terminFenster_,
+                      .aufzeichnungsHinweis = aufzeichnungsHinweisFenster_,
+                      .aufzeichnungsskript = aufzeichnungsskriptFenster_,
+                      .verlauf = aufzeichnungsverlaufFenster_},
+            menues_,
             Startumgebung{"wendel", zeile, unterbau.programmordner, [this] { return einzigeKopie(); }});
         wendelFenster_.setzeForm(anwendung_->formWendel());
         hinweisFenster_.setzeForm(anwendung_->formHinweis());
         terminFenster_.setzeForm(anwendung_->formTermin());
+        aufzeichnungsHinweisFenster_.setzeForm(anwendung_->formAufzeichnungsHinweis());
+        aufzeichnungsskriptFenster_.setzeForm(anwendung_->formAufzeichnungsskript());
+        aufzeichnungsverlaufFenster_.setzeForm(anwendung_->formAufzeichnungsverlauf());
         symbol_.setzeFensterprozedur(
             [this](std::uint32_t nachricht, std::uintptr_t kennung, std::uintptr_t maus) {
                 anwendung_->fensterNachricht(nachricht, kennung, maus);
@@ -158,10 +177,20 @@ class Programm {
     BusAutomation automation_;
     TrayIcon symbol_;
     jet::JetDatenbankmaschinen datenbanken_;
+    X11Fernsteuerung fernsteuerung_;
+    LoginEnergie energie_;
+    Registrierungsdatei registrierung_{
+        konfigurationsordner() + "/wendel/registrierung.txt",
+        {konfigurationsordner() + "/autostart/wendel.desktop", eigenerProgrammordner() + "/wendel"}};
+    Netzverbindung netz_;
+    BusStatusverbindung statusverbindung_;
     Ports ports_;
     FormWendelFenster wendelFenster_{qtText(konfigurationsordner() + "/wendel/fenster.ini")};
     FormHinweisFenster hinweisFenster_;
     FormTerminFenster terminFenster_{wendelFenster_};
+    FormAufzeichnungsHinweisFenster aufzeichnungsHinweisFenster_;
+    FormAufzeichnungsskriptFenster aufzeichnungsskriptFenster_;
+    FormAufzeichnungsverlaufFenster aufzeichnungsverlaufFenster_{wendelFenster_};
     Fenstersperre listensperre_{wendelFenster_, [this] { terminFenster_.nachVorn(); }};
     Fenstersperre editorsperre_{terminFenster_, [this] { terminFenster_.nachVorn(); }};
     Desktopmenues menues_;

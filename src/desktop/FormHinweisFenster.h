@@ -1,22 +1,17 @@
 #pragma once
-// The window of the reminder notice: shows what FormHinweis says and forwards what the user does. It comes up
-// above everything without taking the focus, and no control has the focus at first, so that typing meant for
-// another program answers nothing. It never closes by itself.
+// The window of the reminder notice: shows what FormHinweis says and forwards what the user does. How it
+// comes up and stays is Hinweisrahmen's business.
 
 #include <QTimer>
-#include <QWidget>
 
+#include "desktop/Hinweisrahmen.h"
 #include "reminders/FormHinweis.h"
 
 class QComboBox;
-class QFrame;
-class QLabel;
-class QPushButton;
-class QScrollArea;
 
 namespace wendel {
 
-class FormHinweisFenster final : public QWidget, public FormHinweisView {
+class FormHinweisFenster final : public Hinweisrahmen, public FormHinweisView {
   public:
     FormHinweisFenster();
 
@@ -34,26 +29,16 @@ class FormHinweisFenster final : public QWidget, public FormHinweisView {
     Fensterhandle fensterhandle() override;
 
   protected:
-    void closeEvent(QCloseEvent* ereignis) override;
+    void willSchliessen() override;
     void keyPressEvent(QKeyEvent* ereignis) override;
     bool eventFilter(QObject* objekt, QEvent* ereignis) override;
-    void changeEvent(QEvent* ereignis) override;
 
   private:
-    QWidget* baueNachricht();
-    QWidget* baueFussleiste();
-    void faerbe();
-    void zentriere();
+    void baueComboFunktion();
     bool leertasteInListe(int taste);
 
     FormHinweis* form_ = nullptr;
-    QWidget* nachricht_;
-    QLabel* hinweisPicture_;
     QLabel* labelHinweisTitel_;
-    QScrollArea* textbereich_;
-    QLabel* labelHinweisText_;
-    QWidget* fussleiste_;
-    QFrame* frameComboFunktion_;
     QComboBox* comboFunktion_;
     QPushButton* cmdOK_;
     QTimer timerOKErlaubt_;

@@ -2,7 +2,6 @@
 
 #include <QApplication>
 #include <QButtonGroup>
-#include <QCursor>
 #include <QElapsedTimer>
 #include <QEventLoop>
 #include <QGridLayout>
@@ -13,9 +12,7 @@
 #include <QLabel>
 #include <QPainter>
 #include <QPlainTextEdit>
-#include <QPushButton>
 #include <QRadioButton>
-#include <QScreen>
 #include <QShortcut>
 #include <QTextDocument>
 #include <QToolButton>
@@ -23,7 +20,9 @@
 #include <QWindow>
 #include <algorithm>
 
+#include "desktop/Bildschirm.h"
 #include "desktop/Kalenderblatt.h"
+#include "desktop/Knopf.h"
 #include "desktop/QtText.h"
 #include "desktop/Schrift.h"
 #include "desktop/Symbole.h"
@@ -96,19 +95,6 @@ QLabel* beschriftung(const char* text, QWidget* feld, QWidget* eltern) {
     label->setBuddy(feld);
     feld->setAccessibleName(label->text().remove(u'&'));
     return label;
-}
-
-QPushButton* knopf(const char* name, const char* text, QWidget* eltern) {
-    auto* neu = new QPushButton(QString::fromUtf8(text), eltern);
-    neu->setObjectName(QString::fromUtf8(name));
-    neu->setAccessibleName(neu->text().remove(u'&'));
-    neu->setMinimumSize(neu->fontMetrics().height() * 7, neu->fontMetrics().height() * 2);
-    return neu;
-}
-
-QScreen* bildschirmDesZeigers() {
-    QScreen* schirm = QGuiApplication::screenAt(QCursor::pos());
-    return schirm != nullptr ? schirm : QGuiApplication::primaryScreen();
 }
 
 QHBoxLayout* zeile(QWidget* flaeche) {

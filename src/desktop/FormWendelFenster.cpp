@@ -120,9 +120,12 @@ void FormWendelFenster::baueMenue() {
     mnuLoeschen_ =
         eintrag("mnuLöschen", "&Löschen ..", {Qt::Key_Delete}, [this] { form_->mnuLöschen_Click(); });
     popupTerminliste_.addSeparator();
+    QAction* mnuAufzeichnungen = eintrag("mnuAufzeichnungen", "&Aufzeichnungen ..", {Qt::CTRL | Qt::Key_H},
+                                         [this] { form_->mnuAufzeichnungen_Click(); });
+    popupTerminliste_.addSeparator();
     eintrag("mnuBeenden", "B&eenden ..", {}, [this] { form_->mnuBeenden_Click(); });
-    // The keys of the other two are the list's own: elsewhere in the window they mean other things.
-    addAction(mnuNeuTermin_);
+    // The keys of the others are the list's own: elsewhere in the window they mean other things.
+    addActions({mnuNeuTermin_, mnuAufzeichnungen});
     setzeMenuezustand(false);
 }
 

@@ -84,8 +84,6 @@ void beschrifte(QMessageBox& box, const QString& titel, const QString& text) {
 
 }  // namespace
 
-Meldungsfenster::~Meldungsfenster() { delete fehlerfenster_; }
-
 Antwort Meldungsfenster::meldung(const std::string& text, int stil, const std::string& titel) {
     QMessageBox box;
     box.setObjectName(QStringLiteral("Meldung"));
@@ -130,23 +128,13 @@ void Meldungsfenster::frage(QMessageBox& box) {
 
 void Meldungsfenster::zeigeFehlerOhneWarten(const std::string& text, int nummer, const std::string& quelle,
                                             const std::string& beschreibung, const std::string& titel) {
-    if (!fehlerfenster_) {
-        fehlerfenster_ = new QMessageBox;
-        fehlerfenster_->setObjectName(QStringLiteral("FormFehler"));
-        fehlerfenster_->setAttribute(Qt::WA_DeleteOnClose);
-        fehlerfenster_->setAttribute(Qt::WA_ShowWithoutActivating);
-        fehlerfenster_->setModal(false);
-        fehlerfenster_->setIcon(QMessageBox::Warning);
-        QPushButton* ok = fehlerfenster_->addButton(QStringLiteral("&OK"), QMessageBox::AcceptRole);
-        ok->setObjectName(QStringLiteral("cmdOK"));
-        ok->setAccessibleName(QStringLiteral("OK"));
-        fehlerfenster_->setEscapeButton(ok);
-    }
-    beschrifte(*fehlerfenster_, qtText(titel), qtZeilen(text));
-    fehlerfenster_->setInformativeText(
-        QStringLiteral("(%1) %2\nFehlerort: %3").arg(nummer).arg(qtZeilen(beschreibung), qtText(quelle)));
-    fehlerfenster_->show();
-    fehlerfenster_->raise();
+    if (!fehleranzeige_) fehleranzeige_ = std::make_unique<Fehleranzeige>();
+    fehleranzeige_->form.ShowFehler({.Fehlertext = text,
+                                     .ErrNumber = nummer,
+                                     .ErrSource = quelle,
+                                     .ErrDescription = beschreibung,
+                                     .FensterCaption = titel,
+                                     .NurAnzeigenUndStehenLassen = true});
 }
 
 }  // namespace wendel

@@ -3,10 +3,11 @@
 // inside the tick. Which text is shown when is the logic's business.
 
 #include <QMessageBox>
-#include <QPointer>
 #include <functional>
+#include <memory>
 #include <utility>
 
+#include "desktop/FormSysFehlerFenster.h"
 #include "platform/ports/Fenstersystem.h"
 #include "platform/ports/Meldungen.h"
 
@@ -16,9 +17,6 @@ class Meldungsfenster final : public Meldungen {
   public:
     // fenster tells whether another program is being worked in; it must outlive this object.
     explicit Meldungsfenster(Fenstersystem& fenster) : fenster_(fenster) {}
-    ~Meldungsfenster() override;
-    Meldungsfenster(const Meldungsfenster&) = delete;
-    Meldungsfenster& operator=(const Meldungsfenster&) = delete;
 
     // Called with true when a box opens and with false when it has its answer, in pairs that may enclose each
     // other: whoever owns windows that must not be used meanwhile locks them. Notices stay usable, or one
@@ -33,11 +31,18 @@ class Meldungsfenster final : public Meldungen {
                                const std::string& beschreibung, const std::string& titel) override;
 
   private:
+    // Comes into being with the first failure.
+    struct Fehleranzeige {
+        Fehleranzeige() { fenster.setzeForm(form); }
+        FormSysFehlerFenster fenster;
+        FormSysFehler form{fenster};
+    };
+
     void frage(QMessageBox& box);
 
     Fenstersystem& fenster_;
     std::function<void(bool)> sperre_ = [](bool) {};
-    QPointer<QMessageBox> fehlerfenster_;
+    std::unique_ptr<Fehleranzeige> fehleranzeige_;
 };
 
 }  // namespace wendel

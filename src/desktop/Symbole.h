@@ -11,7 +11,7 @@ namespace wendel::Symbole {
 // "wendel", "terminuhr1", "terminuhr2", "terminaufz", "infobanner". An unknown name gives an empty icon.
 QIcon symbol(std::string_view name);
 
-// "hinweis" for a screen of the given device pixel ratio; its size in device-independent
+// "hinweis" or "aufzeichnung" for a screen of the given device pixel ratio; its size in device-independent
 // pixels is always the same.
 QPixmap bild(std::string_view name, qreal geraetepixel);
 

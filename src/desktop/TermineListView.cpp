@@ -2,18 +2,13 @@
 
 #include <QApplication>
 #include <QHeaderView>
-#include <QHelpEvent>
 #include <QKeyEvent>
-#include <QPainter>
-#include <QProxyStyle>
 #include <QScopedValueRollback>
 #include <QScrollBar>
-#include <QStyledItemDelegate>
-#include <QToolTip>
 #include <algorithm>
 
 #include "core/FormWendel.h"
-#include "desktop/Farben.h"
+#include "desktop/Listenstil.h"
 #include "desktop/QtText.h"
 
 namespace wendel {
@@ -30,80 +25,14 @@ constexpr int kTasteEntf = 46;
 constexpr int kKnopfLinks = 1;
 constexpr int kKnopfRechts = 2;
 
-// Between a text and the edge of its cell.
-int luft(const QFontMetrics& schrift) { return schrift.height() * 6 / 10; }
-
-// A size that the pictures were drawn in, a little higher than the text.
-int bildgroesse(const QFontMetrics& schrift) {
-    for (const int groesse : {16, 20, 24, 32, 40})
-        if (groesse >= schrift.height() * 6 / 5) return groesse;
-    return 48;
-}
-
-// The desktop's style, but with air beside the texts of header and rows: most styles set them at the very
-// edge.
-class Listenstil final : public QProxyStyle {
+// Rows that are switched off step back.
+class Terminmaler final : public Zeilenmaler {
   public:
-    int pixelMetric(PixelMetric mass, const QStyleOption* option, const QWidget* widget) const override {
-        const int wert = QProxyStyle::pixelMetric(mass, option, widget);
-        if (mass != PM_FocusFrameHMargin || widget == nullptr) return wert;
-        return std::max(wert, luft(widget->fontMetrics()) - 1);
-    }
-    void drawControl(ControlElement element, const QStyleOption* option, QPainter* maler,
-                     const QWidget* widget) const override {
-        const auto* kopf = qstyleoption_cast<const QStyleOptionHeader*>(option);
-        if (element != CE_HeaderLabel || kopf == nullptr) {
-            QProxyStyle::drawControl(element, option, maler, widget);
-            return;
-        }
-        QStyleOptionHeader eingerueckt = *kopf;
-        const int rand = luft(kopf->fontMetrics) - 2;  // 2 is what styles leave by themselves
-        eingerueckt.rect.adjust(rand, 0, -rand, 0);
-        QProxyStyle::drawControl(element, &eingerueckt, maler, widget);
-    }
-};
-
-// Rows with air between them; those switched off step back, and what does not fit is told by a tooltip.
-class Zeilenmaler final : public QStyledItemDelegate {
-  public:
-    using QStyledItemDelegate::QStyledItemDelegate;
-    QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override {
-        const QSize groesse = QStyledItemDelegate::sizeHint(option, index);
-        return {groesse.width(),
-                std::max(groesse.height(), option.fontMetrics.height()) + luft(option.fontMetrics)};
-    }
-    bool helpEvent(QHelpEvent* ereignis, QAbstractItemView* liste, const QStyleOptionViewItem& option,
-                   const QModelIndex& index) override {
-        if (ereignis->type() != QEvent::ToolTip)
-            return QStyledItemDelegate::helpEvent(ereignis, liste, option, index);
-        const bool abgeschnitten = sizeHint(option, index).width() > liste->visualRect(index).width();
-        QToolTip::showText(ereignis->globalPos(), abgeschnitten ? hinweistext(index) : QString(), liste);
-        return true;
-    }
+    using Zeilenmaler::Zeilenmaler;
 
   protected:
-    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
-        QStyledItemDelegate::initStyleOption(option, index);
-        // The list is locked while a question is open, which may be about what stands in it.
-        option->state |= QStyle::State_Enabled;
-        const bool aus = index.siblingAtColumn(Terminmodell::kRest).data().toString().isEmpty();
-        const QPalette& farben = option->palette;
-        if (aus)
-            option->palette.setColor(QPalette::Text,
-                                     gedaempft(farben.color(QPalette::Text), farben.color(QPalette::Base)));
-        if (option->icon.isNull()) return;
-        // In the selected row, too, the picture keeps its own colours.
-        const QPixmap bild = option->icon.pixmap(option->decorationSize, option->widget->devicePixelRatioF(),
-                                                 aus ? QIcon::Disabled : QIcon::Normal);
-        option->icon = QIcon(bild);
-        option->icon.addPixmap(bild, QIcon::Selected);
-    }
-
-  private:
-    // As markup, since only that is wrapped; nothing in the text itself is.
-    static QString hinweistext(const QModelIndex& index) {
-        QString text = index.data(Qt::ToolTipRole).toString().toHtmlEscaped();
-        return QStringLiteral("<p>%1</p>").arg(text.replace(u'\n', QStringLiteral("<br>")));
+    bool trittZurueck(const QModelIndex& index) const override {
+        return index.siblingAtColumn(Terminmodell::kRest).data().toString().isEmpty();
     }
 };
 
@@ -141,24 +70,8 @@ TermineListView::TermineListView(QWidget* eltern) : QTreeView(eltern) {
     setObjectName(QStringLiteral("ListViewTermineListe"));
     setAccessibleName(QStringLiteral("Termine"));
     setModel(&modell_);
-    setItemDelegate(new Zeilenmaler(this));
-    auto* stil = new Listenstil;
-    stil->setParent(this);
-    setStyle(stil);
-    header()->setStyle(stil);
-    setRootIsDecorated(false);
-    setItemsExpandable(false);
-    setUniformRowHeights(true);
-    setAlternatingRowColors(true);
-    setAllColumnsShowFocus(true);
-    setEditTriggers(NoEditTriggers);
-    setVerticalScrollMode(ScrollPerPixel);
-    setFrameShape(QFrame::NoFrame);
-    setTextElideMode(Qt::ElideRight);
-    header()->setSectionsMovable(false);
-    header()->setHighlightSections(false);
-    header()->setStretchLastSection(false);
-    header()->setSectionResizeMode(QHeaderView::Fixed);
+    setItemDelegate(new Terminmaler(this));
+    richteEin(*this);
     header()->setSectionResizeMode(Terminmodell::kText, QHeaderView::Stretch);
     passeMasseAn();
     connect(selectionModel(), &QItemSelectionModel::selectionChanged, this, [this] { meldeAuswahl(); });
@@ -340,22 +253,8 @@ QPoint TermineListView::menuestelle() const {
 void TermineListView::paintEvent(QPaintEvent* ereignis) {
     QTreeView::paintEvent(ereignis);
     if (modell_.rowCount() > 0) return;
-    const int rand = 2 * luft(fontMetrics());
-    QRect oben = viewport()->rect().adjusted(rand, rand, -rand, -rand);
-    QRect unten = oben;
-    oben.setBottom(oben.center().y());
-    unten.setTop(oben.bottom() + rand / 2);
-    QPainter maler(viewport());
-    QFont gross = font();
-    gross.setPointSizeF(gross.pointSizeF() * 1.25);
-    maler.setFont(gross);
-    maler.drawText(oben, Qt::AlignHCenter | Qt::AlignBottom | Qt::TextWordWrap,
-                   QStringLiteral("Keine Termine vorgemerkt"));
-    maler.setFont(font());
-    maler.setPen(gedaempft(palette().color(QPalette::Text), palette().color(QPalette::Base)));
-    maler.drawText(
-        unten, Qt::AlignHCenter | Qt::AlignTop | Qt::TextWordWrap,
-        QStringLiteral("Den ersten legen Sie mit der Taste Einfg an oder mit einem Rechtsklick hier."));
+    maleLeer(*this, QStringLiteral("Keine Termine vorgemerkt"),
+             QStringLiteral("Den ersten legen Sie mit der Taste Einfg an oder mit einem Rechtsklick hier."));
 }
 
 }  // namespace wendel

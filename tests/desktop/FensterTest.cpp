@@ -121,29 +121,6 @@ TEST(BoxTest, HasTheIconAndButtonsOfItsStyleAndGivesTheirAnswers) {
     }
 }
 
-TEST(FehlerfensterTest, OneModelessWindowWhoseTextIsReplaced) {
-    FakeFenstersystem fenster;
-    Meldungsfenster meldungen(fenster);
-    const auto offene = [] {
-        QList<QMessageBox*> boxen;
-        for (QWidget* w : QApplication::topLevelWidgets()) {
-            if (auto* box = qobject_cast<QMessageBox*>(w); box != nullptr && box->isVisible()) boxen << box;
-        }
-        return boxen;
-    };
-    for (const char* text : {"Erster", "Zweiter"}) {
-        meldungen.zeigeFehlerOhneWarten(text, 76, "Anderswo", "Pfad nicht gefunden", "Fehler");
-        ASSERT_EQ(offene().size(), 1);
-        EXPECT_EQ(offene()[0]->text(), text);
-    }
-    EXPECT_EQ(offene()[0]->informativeText(), "(76) Pfad nicht gefunden\nFehlerort: Anderswo");
-    EXPECT_FALSE(offene()[0]->isModal());
-    kind<QPushButton>(*offene()[0], "cmdOK").click();
-    EXPECT_TRUE(offene().isEmpty());
-    meldungen.zeigeFehlerOhneWarten("Dritter", 1, "Quelle", "eigener", "Fehler");
-    EXPECT_EQ(offene().size(), 1) << "closed and needed again";
-}
-
 }  // namespace
 }  // namespace wendel
 

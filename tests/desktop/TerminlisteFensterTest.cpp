@@ -75,10 +75,11 @@ class TerminlisteFensterTest : public testing::Test {
     FakeHinweisView hinweis{welt.ports.aufrufe};
     FakeTerminView editor;
     FormWendelFenster fenster{ordner.filePath("noch/nicht/da.ini")};
-    Anwendung anwendung{
-        welt.ports.ports(), fenster, hinweis, editor, welt.menues, {"wendel", "/m", kTestordner, [] {
-                                                                        return true;
-                                                                    }}};
+    Anwendung anwendung{welt.ports.ports(),
+                        Ansichten{fenster, hinweis, editor, welt.aufzeichnungsHinweis,
+                                  welt.aufzeichnungsskript, welt.verlauf},
+                        welt.menues,
+                        {"wendel", "/m", kTestordner, [] { return true; }}};
     QTreeView& liste = kind<QTreeView>(fenster, "ListViewTermineListe");
     QMenu& popup = kind<QMenu>(fenster, "PopupTerminliste");
 };
@@ -94,8 +95,8 @@ TEST_F(TerminlisteFensterTest, ShowsRowsOfThreeColumnsWithPicturesAndTheirMeanin
 }
 
 TEST_F(TerminlisteFensterTest, ThePopupComesWithTheRightButtonsReleaseAndItsEntriesFollowTheSelection) {
-    const QString ohne = "mnuNeuTermin mnuBeenden ",
-                  mit = "mnuNeuTermin mnuEditieren* mnuLöschen mnuBeenden ";
+    const QString ohne = "mnuNeuTermin mnuAufzeichnungen mnuBeenden ",
+                  mit = "mnuNeuTermin mnuEditieren* mnuLöschen mnuAufzeichnungen mnuBeenden ";
     QTest::mousePress(liste.viewport(), Qt::RightButton, {}, mitte(1));
     EXPECT_EQ(gewaehlt(), 2);
     EXPECT_EQ(menue(), "closed");

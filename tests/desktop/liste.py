@@ -61,7 +61,7 @@ def rebuild_between_two_actions():
     p, f = starte('24.12.2012 12:00:18|0|ja|Tee', '24.12.2012 13:00:00|0|ja|Oma anrufen',
                   '24.12.2012 14:00:00|0|ja|Kuchen', WENDEL_RECHNER='PC-TEST')
     klick(*zeile(f, 1))
-    warte_fenster(HINWEIS, 15)  # the tea moves behind the others
+    warte_aktiv(HINWEIS, 15)  # the tea moves behind the others
     warte(lambda: any('|nein|Tee' in t for t in p.gespeichert()), 'all about the notice is done')
     aktiviere(f)
     taste('Delete')
