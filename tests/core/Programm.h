@@ -10,8 +10,11 @@
 #include <vector>
 
 #include "core/Anwendung.h"
+#include "core/FormAufzeichnungsverlauf.h"
 #include "core/FormWendel.h"
 #include "core/FormWendelView.h"
+#include "recording/FormAufzeichnungsHinweis.h"
+#include "recording/FormAufzeichnungsskript.h"
 #include "reminders/FormHinweis.h"
 #include "reminders/FormTermin.h"
 #include "support/Fakes.h"
@@ -112,6 +115,39 @@ class FakeTerminView : public FormTerminView {
     void zumFeld(Terminfeld) override {}
 };
 
+class FakeAufzeichnungsHinweisView : public FormAufzeichnungsHinweisView {
+  public:
+    static constexpr Fensterhandle kFenster = 0x9abc;
+    bool gezeigt = false;
+    std::string text;
+    int male = 0;  // that it came up
+
+    Fensterhandle hwnd() override { return kFenster; }
+    void setzeText(const std::string& neu) override { text = neu; }
+    void zeigen() override { gezeigt = true, ++male; }
+    void verbergen() override { gezeigt = false; }
+};
+
+class FakeAufzeichnungsskriptView : public FormAufzeichnungsskriptView {
+  public:
+    bool gezeigt = false;
+
+    void zeigen() override { gezeigt = true; }
+    void verbergen() override { gezeigt = false; }
+    void setzeAktuelleAktion(const std::string&) override {}
+    void zeigePopupVerlauf(const std::vector<std::string>&) override {}
+};
+
+class FakeVerlaufView : public FormAufzeichnungsverlaufView {
+  public:
+    bool gezeigt = false;
+    std::vector<Aufzeichnungsverlaufszeile> zeilen;
+
+    void setzeZeilen(const std::vector<Aufzeichnungsverlaufszeile>& neu) override { zeilen = neu; }
+    void zeigen() override { gezeigt = true; }
+    void verbergen() override { gezeigt = false; }
+};
+
 // Rows of the table Markierungen, as far as the program reads them.
 struct Markierung {
     Datum erinnerung;  // "Erinnerungszeit"; never: no reminder
@@ -200,6 +236,9 @@ class Programm {
     std::unique_ptr<FakeWendelView> fenster;
     std::unique_ptr<FakeHinweisView> hinweis;
     std::unique_ptr<FakeTerminView> editor;
+    FakeAufzeichnungsHinweisView aufzeichnungsHinweis;
+    FakeAufzeichnungsskriptView aufzeichnungsskript;
+    FakeVerlaufView verlauf;
     std::unique_ptr<Anwendung> anwendung;
     bool ersteKopie = true;
 
@@ -210,8 +249,9 @@ class Programm {
         hinweis = std::make_unique<FakeHinweisView>(ports.aufrufe);
         editor = std::make_unique<FakeTerminView>();
         anwendung = std::make_unique<Anwendung>(
-            ports.ports(), *fenster, *hinweis, *editor, menues,
-            Startumgebung{"wendel", befehlszeile, kTestordner, [this] { return ersteKopie; }});
+            ports.ports(), Systemdienste{ports.registrierung, ports.einwahl, ports.statusverbindung},
+            Ansichten{*fenster, *hinweis, *editor, aufzeichnungsHinweis, aufzeichnungsskript, verlauf},
+            menues, Startumgebung{"wendel", befehlszeile, kTestordner, [this] { return ersteKopie; }});
         return anwendung->starten();
     }
     void toete() { anwendung.reset(); }
@@ -225,7 +265,8 @@ class Programm {
     }
     // What the window's event loop does between two events.
     void ereignisse() {
-        if (std::exchange(fenster->rufOffen, false)) form().VorgemerktesAusfuehren();
+        while (std::exchange(fenster->rufOffen, false))
+            form().VorgemerktesAusfuehren();
     }
     // Ticks every second up to and including that moment.
     void bis(Datum ziel) {

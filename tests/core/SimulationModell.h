@@ -17,6 +17,11 @@
 
 namespace wendel {
 
+// The program says something else than the model. No std::exception, so that no handler for errors takes it.
+struct Abweichung {
+    std::string was;
+};
+
 // By the number that each entry carries in its text. All short-time alarms have one text; they are counted
 // together under number 0.
 using Zaehlung = std::map<int, int>;

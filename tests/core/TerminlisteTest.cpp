@@ -183,8 +183,13 @@ TEST_F(Liste, ActionsArePutOffWhileSomethingWouldHaveToWaitForThem) {
             if (std::exchange(verlangt, true)) return;
             form().TerminLoeschen();
             anwendung->DoThis("createtermin");
+            for (const char* text : {"eins", "zwei", "eins"})
+                form().hauptanwendungRufen(text);
+            form().LabelAnzLiveUpdateEinstellungenStartLink_Click();
             ereignisse();
+            EXPECT_TRUE(ports.starter.gestartet.empty());
         };
+        ports.starter.gestartet.clear();
         tvDaten.sperrnummer = 3078, tvDaten.gesperrt = true;  // a box at once
         ports.meldungen.imKasten = [&](const Kasten&) { verlange(); };
         ports.uhr.beiNachrichten = [&, tick = name == "tick"] {
@@ -194,7 +199,13 @@ TEST_F(Liste, ActionsArePutOffWhileSomethingWouldHaveToWaitForThem) {
         tvDaten.gesperrt = false;
         const std::size_t vorher = kaesten().size();
         int dialoge = 0;
-        editor->imDialog = [&] { ++dialoge, bis(um(20, 3)); };
+        editor->imDialog = [&] {
+            ++dialoge, bis(um(20, 3)), ereignisse();
+            std::string gestartet;
+            for (const FakeStarter::Start& start : ports.starter.gestartet)
+                gestartet += start.parameter + ";";
+            EXPECT_EQ(gestartet, "/commandtext=\"zwei\";/commandtext=\"eins\";;") << name;
+        };
         sekunde();
         ereignisse();
         ereignisse();
@@ -207,14 +218,14 @@ TEST_F(Liste, OpenEditorComesToTheFrontInsteadOfAnyOtherAction) {
     beginne({kTee});
     form().zeigen();
     editor->imDialog = [&] {
-        for (const auto aktion :
-             {&FormWendel::TerminNeu, &FormWendel::TerminBearbeiten, &FormWendel::TerminLoeschen,
-              &FormWendel::fensterSchliessen, &FormWendel::cmdAusblenden_Click})
+        for (const auto aktion : {&FormWendel::TerminNeu, &FormWendel::TerminBearbeiten,
+                                  &FormWendel::TerminLoeschen, &FormWendel::fensterSchliessen,
+                                  &FormWendel::cmdAusblenden_Click, &FormWendel::mnuBeenden_Click})
             (form().*aktion)();
         anwendung->DoThis("createtermin");
-        EXPECT_EQ(editor->nachVornGeholt * 10 + fenster->nachVornGeholt, 60);
+        EXPECT_EQ(editor->nachVornGeholt * 10 + fenster->nachVornGeholt, 70);
         anwendung->DoThis("showwendel");
-        EXPECT_EQ(editor->nachVornGeholt * 10 + fenster->nachVornGeholt, 71);
+        EXPECT_EQ(editor->nachVornGeholt * 10 + fenster->nachVornGeholt, 81);
     };
     form().TerminNeu();
     EXPECT_TRUE(fenster->gezeigt && kaesten().empty());
@@ -282,9 +293,13 @@ TEST_F(Liste, FailedStoreIsToldOnceShownInTheStatusBarAndTriedAgain) {
         EXPECT_EQ(gespeicherteTermine().size(), 4u);
     }
     ports.dateien.nurLesen = {"\\suite\\fennow.cfg"};
+    ports.meldungen.imKasten = [&](const Kasten&) { form().mnuBeenden_Click(); };
     neu("drei");
-    form().mnuBeenden_Click();
-    EXPECT_TRUE(fenster->geladen) << "asked and declined";
+    EXPECT_EQ(kaesten().size(), 3u) << "no box on top of the other";
+    ports.meldungen.imKasten = nullptr;
+    sekunde();
+    ereignisse();
+    EXPECT_TRUE(kaesten().size() == 4u && fenster->geladen) << "asked and declined";
     ports.dateien.nurLesen.clear();
     form().mnuBeenden_Click();
     EXPECT_EQ(gespeicherteTermine().back().weckText, "drei");

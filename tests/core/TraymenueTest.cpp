@@ -99,6 +99,23 @@ TEST_F(Menue, ComesEmptyAfterTheBoxesOfOneStatement) {
     EXPECT_EQ(menue(), "Kestrin Pirrow starten ..; ");
 }
 
+// A database that is still to be filled.
+TEST_F(Menue, ComesWithoutBoxesWhileThereAreNoChannels) {
+    tvDaten.sender.clear();
+    ports.datenbanken->vorAnweisung = [](const std::string& sql) { EXPECT_EQ(sql.find("in()"), sql.npos); };
+    starte();
+    rechtsklick();
+    EXPECT_EQ(menue(), "Kestrin Pirrow starten ..; Ein Fest");
+    tvDaten = {.markierungen = {{um(19, 59), um(19, 59), 90, "Tatort", false}}, .laeuft = "Film"};
+    anwendung->DoThis("terminupdate");
+    sekunde();
+    EXPECT_THAT(hinweis->text, testing::EndsWith("\n19:59 Tatort (ARD)"));
+    beantworte();
+    rechtsklick();
+    EXPECT_EQ(menue(), "20:00 ARD, Film; Ein Fest");
+    EXPECT_TRUE(ports.meldungen.gezeigt.empty());
+}
+
 // Nobody may be there to answer a box, and the updater writes.
 TEST_F(Menue, TicksLookForATipWithoutBoxes) {
     tvDaten.tipp = "";

@@ -187,17 +187,5 @@ TEST_F(WeckTimer, ReadOnlyDatabaseIsToldOnceForItsPath) {
     EXPECT_EQ(kaesten(), 4u);
 }
 
-// All calls but clock readings, over an hour in which nothing is due, and no new icon while its text is the
-// same.
-TEST_F(WeckTimer, IdleHourTouchesNothing) {
-    setzeTermine({{um(23, 0), "Tee", 0, true}, {um(22, 0), "aus", 1, false}});
-    tatortUm(um(23, 10));
-    starte();
-    bis(um(20, 1));
-    ports.aufrufe.leeren();
-    bis(um(21, 1));
-    EXPECT_EQ(ports.aufrufe.anzahlOhneUhr(), 0);
-}
-
 }  // namespace
 }  // namespace wendel
