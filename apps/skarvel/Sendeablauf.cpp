@@ -1,0 +1,71 @@
+#include "Sendeablauf.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <string>
+#include <utility>
+
+namespace wendel::skarvel {
+namespace {
+
+constexpr std::int64_t kStunde = 3600;
+constexpr std::int64_t kGroessteLuecke = 12 * kStunde;
+constexpr std::int64_t kLaengsteSendung = 48 * kStunde;
+
+void ergaenzeEnden(std::vector<Guidesendung>& sendungen) {
+    for (std::size_t i = 0; i < sendungen.size(); ++i) {
+        Guidesendung& sendung = sendungen[i];
+        const std::int64_t laenge = sendung.ende.value_or(0) - sendung.beginn;
+        if (laenge > 0 && laenge <= kLaengsteSendung) continue;
+        sendung.ende = sendung.beginn + kStunde;
+        if (i + 1 == sendungen.size()) continue;
+        const Weltzeit naechste = sendungen[i + 1].beginn;
+        if (naechste - sendung.beginn <= kGroessteLuecke) sendung.ende = naechste;
+    }
+}
+
+void schneideUeberlappungen(std::vector<Guidesendung>& sendungen) {
+    for (std::size_t i = 0; i < sendungen.size(); ++i) {
+        for (std::size_t j = i + 1; j < sendungen.size() && sendungen[j].beginn < *sendungen[i].ende; ++j) {
+            if (*sendungen[j].ende >= *sendungen[i].ende) sendungen[i].ende = sendungen[j].beginn;
+        }
+    }
+}
+
+std::vector<std::pair<Weltzeit, Weltzeit>> stuecke(const std::vector<Guidesendung>& sendungen) {
+    std::vector<std::pair<Weltzeit, Weltzeit>> alle;
+    for (const Guidesendung& sendung : sendungen) {
+        if (alle.empty() || sendung.beginn - alle.back().second > kGroessteLuecke)
+            alle.emplace_back(sendung.beginn, *sendung.ende);
+        else
+            alle.back().second = std::max(alle.back().second, *sendung.ende);
+    }
+    return alle;
+}
+
+// In the hour that the autumn repeats, a broadcast can end at an earlier wall time than it begins; it is
+// shown with its length then.
+cSendung aufDieWanduhr(Guidesendung& quelle) {
+    cSendung sendung = std::move(quelle.daten);
+    const std::int64_t laenge = *quelle.ende - quelle.beginn;
+    sendung.Beginn = ortszeit(quelle.beginn);
+    sendung.Ende = ortszeit(*quelle.ende);
+    if (sendung.Ende <= sendung.Beginn) sendung.Ende = sendung.Beginn.plusSekunden(laenge);
+    sendung.Dauer = std::to_string((laenge + 30) / 60);
+    return sendung;
+}
+
+}  // namespace
+
+Sendeablauf sendeablauf(std::vector<Guidesendung> sendungen) {
+    ergaenzeEnden(sendungen);
+    schneideUeberlappungen(sendungen);
+    Sendeablauf ablauf;
+    for (const auto& [von, bis] : stuecke(sendungen))
+        ablauf.abgedeckt.push_back({ortszeit(von), ortszeit(bis)});
+    for (Guidesendung& sendung : sendungen)
+        ablauf.sendungen.push_back(aufDieWanduhr(sendung));
+    return ablauf;
+}
+
+}  // namespace wendel::skarvel

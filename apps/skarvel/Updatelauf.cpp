@@ -1,0 +1,66 @@
+#include "Updatelauf.h"
+
+#include <QMetaObject>
+#include <exception>
+#include <utility>
+
+#include "../quillon/Konsolenports.h"
+#include "UnterbrechbareUhr.h"
+#include "platform/Fehler.h"
+#include "tvdb/Einstellungen.h"
+
+namespace wendel::skarvel {
+namespace {
+
+std::string abschluss(const Schreibbilanz& bilanz) {
+    const std::string anfang = "Das Live-Update ist abgeschlossen";
+    if (bilanz.leer()) return anfang + ": Es gibt nichts Neues.";
+    return anfang + ": " + std::to_string(bilanz.neu) + " neu, " + std::to_string(bilanz.geaendert) +
+           " geändert, " + std::to_string(bilanz.entfallen) + " entfallen, " +
+           std::to_string(bilanz.abgelaufen) + " abgelaufen.";
+}
+
+}  // namespace
+
+Updatelauf::Updatelauf(Uhr& uhr, std::string programmordner, Empfaenger empfaenger)
+    : uhr_(uhr), programmordner_(std::move(programmordner)), empfaenger_(std::move(empfaenger)) {}
+
+Updatelauf::~Updatelauf() {
+    abbruch_ = true;
+    if (faden_.joinable()) faden_.join();
+}
+
+void Updatelauf::start() {
+    faden_ = std::thread([this] {
+        Updateergebnis ergebnis = aktualisiere();
+        QMetaObject::invokeMethod(
+            this, [this, ergebnis = std::move(ergebnis)] { empfaenger_.ende(ergebnis); },
+            Qt::QueuedConnection);
+    });
+}
+
+void Updatelauf::melde(const std::string& text, int prozent) {
+    QMetaObject::invokeMethod(
+        this, [this, text, prozent] { empfaenger_.stand(text, prozent); }, Qt::QueuedConnection);
+}
+
+Updateergebnis Updatelauf::aktualisiere() {
+    UnterbrechbareUhr uhr(uhr_, abbruch_);
+    const quillon::Konsolenports ports(uhr);
+    Einstellungen einstellungen(ports.ports().dateien, programmordner_);
+    LiveUpdate update(ports.ports(), einstellungen, programmordner_, *this);
+    Updateergebnis ergebnis;
+    try {
+        update.laufe();
+        ergebnis.fertig = true;
+        ergebnis.text = abschluss(update.bilanz());
+    } catch (const Fehler& fehler) {
+        ergebnis.text = abbruch_ ? "Das Live-Update ist abgebrochen worden." : fehler.beschreibung();
+    } catch (const std::exception& fehler) {
+        ergebnis.text = fehler.what();
+    }
+    ergebnis.geschrieben = !update.bilanz().leer();
+    return ergebnis;
+}
+
+}  // namespace wendel::skarvel
