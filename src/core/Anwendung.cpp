@@ -4,13 +4,20 @@
 #include <utility>
 #include <vector>
 
+#include "core/Aufzeichnungsablauf.h"
+#include "core/Autostart.h"
 #include "core/Datenbestand.h"
+#include "core/FormAufzeichnungsverlauf.h"
 #include "core/FormWendel.h"
 #include "core/Hinweisausgabe.h"
+#include "core/Liveupdate.h"
 #include "core/ModulInterneKommunikation.h"
 #include "core/Start.h"
 #include "core/Traymenue.h"
 #include "core/WeckTimer.h"
+#include "recording/Aufzeichnungsprotokoll.h"
+#include "recording/FormAufzeichnungsHinweis.h"
+#include "recording/FormAufzeichnungsskript.h"
 #include "reminders/FormHinweis.h"
 #include "reminders/FormTermin.h"
 #include "tvdb/ModulGrundbefehle.h"
@@ -40,22 +47,19 @@ class Hinweisempfaenger : public FormHinweisEmpfaenger {
 // What the tray menu sets going. The form is made after the menu, which it shows.
 class Menueausfuehrung : public Menueaktionen {
   public:
-    explicit Menueausfuehrung(ModulInterneKommunikation& hauptanwendung) : hauptanwendung_(hauptanwendung) {}
+    explicit Menueausfuehrung(const Aufzeichnungsablauf& aufzeichnungen) : aufzeichnungen_(aufzeichnungen) {}
     void verbinde(FormWendel& form) { form_ = &form; }
 
     void kurzzeitWecker(std::int16_t minuten) override { form_->KurzZeitWeckerAktivieren(minuten); }
     void wendelAnzeigen() override { form_->zeigenUndNachVorn(); }
-    void hauptanwendung(const std::string& befehlstext) override {
-        hauptanwendung_.StartMainApplication(befehlstext);
-    }
+    void hauptanwendung(const std::string& befehlstext) override { form_->hauptanwendungRufen(befehlstext); }
     void beenden() override { form_->mnuBeenden_Click(); }
     void nachErinnern() override { form_->nachErinnern(); }
-    // Nothing here reaches the TV application, so the menu never offers it.
-    bool kannImTVZeigen() override { return false; }
-    void imTVZeigen(const std::string&) override {}
+    bool kannImTVZeigen() override { return aufzeichnungen_.kannImTVZeigen(); }
+    void imTVZeigen(const std::string& senderkennung) override { form_->imTVZeigen(senderkennung); }
 
   private:
-    ModulInterneKommunikation& hauptanwendung_;
+    const Aufzeichnungsablauf& aufzeichnungen_;
     FormWendel* form_ = nullptr;
 };
 
@@ -70,31 +74,48 @@ Prozesswerte anfangswerte(const Startumgebung& umgebung) {
 }  // namespace
 
 struct Anwendung::Teile {
-    Teile(const Ports& p, FormWendelView& wendelView, FormHinweisView& hinweisView,
-          FormTerminView& terminView, Menueumgebung& menueumgebung, Startumgebung umgebung)
+    Teile(const Ports& p, const Systemdienste& dienste, const Ansichten& ansichten,
+          Menueumgebung& menueumgebung, Startumgebung umgebung)
         : ports(p),
           werte(anfangswerte(umgebung)),
           bestand(ports, werte),
           empfaenger(bestand),
-          hinweis(ports.uhr, hinweisView, empfaenger),
-          termin(ports.uhr, ports.meldungen, terminView),
+          protokoll(ports.dateien, werte.programmordner),
+          aufzeichnungsHinweis(ports.fenster, ansichten.aufzeichnungsHinweis),
+          aufzeichnungsskript(ports.uhr, ansichten.aufzeichnungsskript),
+          verlauf(protokoll, ansichten.verlauf),
+          hinweis(ports.uhr, ansichten.hinweis, empfaenger),
+          termin(ports.uhr, ports.meldungen, ansichten.termin),
+          aufzeichnungen(ports, bestand, protokoll, {aufzeichnungsHinweis, aufzeichnungsskript, verlauf}),
+          liveupdate(ports, dienste.einwahl, dienste.statusverbindung, bestand),
+          autostart(ports.meldungen, dienste.registrierung, werte),
           hauptanwendung(ports, werte),
-          menueausfuehrung(hauptanwendung),
+          menueausfuehrung(aufzeichnungen),
           menue(ports.fenster, bestand, menueumgebung, menueausfuehrung),
-          wendel(ports, bestand, hinweis, termin, hauptanwendung, menue, wendelView),
+          wendel(ports, bestand, {aufzeichnungen, liveupdate, autostart}, {hinweis, termin, verlauf},
+                 hauptanwendung, menue, ansichten.wendel),
           ausgabe(ports, bestand, hinweis),
-          weckTimer(ports, bestand, wendel, ausgabe),
-          start(ports, werte, bestand, wendel, ausgabe, std::move(umgebung.einzigeKopie)) {
+          weckTimer(ports, bestand, wendel, ausgabe, aufzeichnungen, liveupdate),
+          start(ports, werte, bestand, wendel, ausgabe, aufzeichnungen, std::move(umgebung.einzigeKopie)) {
         empfaenger.verbinde(wendel);
         menueausfuehrung.verbinde(wendel);
+        aufzeichnungen.verbinde(wendel);
+        liveupdate.verbinde(wendel);
     }
 
     Ports ports;
     Prozesswerte werte;
     Datenbestand bestand;
     Hinweisempfaenger empfaenger;
+    Aufzeichnungsprotokoll protokoll;
+    FormAufzeichnungsHinweis aufzeichnungsHinweis;
+    FormAufzeichnungsskript aufzeichnungsskript;
+    FormAufzeichnungsverlauf verlauf;
     FormHinweis hinweis;
     FormTermin termin;
+    Aufzeichnungsablauf aufzeichnungen;
+    Liveupdate liveupdate;
+    Autostart autostart;
     ModulInterneKommunikation hauptanwendung;
     Menueausfuehrung menueausfuehrung;
     Traymenue menue;
@@ -108,10 +129,9 @@ struct Anwendung::Teile {
     std::vector<std::string> wartendeZeilen;
 };
 
-Anwendung::Anwendung(const Ports& ports, FormWendelView& wendelView, FormHinweisView& hinweisView,
-                     FormTerminView& terminView, Menueumgebung& menueumgebung, Startumgebung umgebung)
-    : teile_(std::make_unique<Teile>(ports, wendelView, hinweisView, terminView, menueumgebung,
-                                     std::move(umgebung))) {}
+Anwendung::Anwendung(const Ports& ports, const Systemdienste& dienste, const Ansichten& ansichten,
+                     Menueumgebung& menueumgebung, Startumgebung umgebung)
+    : teile_(std::make_unique<Teile>(ports, dienste, ansichten, menueumgebung, std::move(umgebung))) {}
 
 Anwendung::~Anwendung() = default;
 
@@ -146,13 +166,19 @@ bool Anwendung::fensterNachricht(std::uint32_t nachricht, std::uintptr_t wParam,
     return teile_->wendel.fensterNachricht(nachricht, wParam, lParam);
 }
 
-void Anwendung::beenden() { teile_->wendel.ExitProgram(); }
+void Anwendung::beenden() { teile_->wendel.ExitProgram(false); }
 
 FormWendel& Anwendung::formWendel() { return teile_->wendel; }
 
 FormHinweis& Anwendung::formHinweis() { return teile_->hinweis; }
 
 FormTermin& Anwendung::formTermin() { return teile_->termin; }
+
+FormAufzeichnungsHinweis& Anwendung::formAufzeichnungsHinweis() { return teile_->aufzeichnungsHinweis; }
+
+FormAufzeichnungsskript& Anwendung::formAufzeichnungsskript() { return teile_->aufzeichnungsskript; }
+
+FormAufzeichnungsverlauf& Anwendung::formAufzeichnungsverlauf() { return teile_->verlauf; }
 
 const Prozesswerte& Anwendung::werte() const { return teile_->werte; }
 

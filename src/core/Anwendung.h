@@ -11,15 +11,41 @@
 #include "core/FormWendelView.h"
 #include "platform/Ports.h"
 #include "platform/Prozesswerte.h"
+#include "platform/ports/Einwahl.h"
+#include "platform/ports/Registrierung.h"
+#include "platform/ports/Statusverbindung.h"
 #include "traymenu/FormBrannikMenueView.h"
 
 namespace wendel {
 
+class FormAufzeichnungsHinweis;
+class FormAufzeichnungsHinweisView;
+class FormAufzeichnungsskript;
+class FormAufzeichnungsskriptView;
+class FormAufzeichnungsverlauf;
+class FormAufzeichnungsverlaufView;
 class FormHinweis;
 class FormHinweisView;
 class FormTermin;
 class FormTerminView;
 class FormWendel;
+
+// The doors that only the resident program has.
+struct Systemdienste {
+    Registrierung& registrierung;
+    Einwahl& einwahl;
+    Statusverbindung& statusverbindung;
+};
+
+// The windows behind the forms.
+struct Ansichten {
+    FormWendelView& wendel;
+    FormHinweisView& hinweis;
+    FormTerminView& termin;
+    FormAufzeichnungsHinweisView& aufzeichnungsHinweis;
+    FormAufzeichnungsskriptView& aufzeichnungsskript;
+    FormAufzeichnungsverlaufView& verlauf;
+};
 
 struct Startumgebung {
     std::string programmdatei;   // as started, without folder: "wendel"
@@ -39,9 +65,9 @@ enum class Startergebnis {
 
 class Anwendung {
   public:
-    // Ports, views and menueumgebung outlive the object. The views may be called from starten() on.
-    Anwendung(const Ports& ports, FormWendelView& wendelView, FormHinweisView& hinweisView,
-              FormTerminView& terminView, Menueumgebung& menueumgebung, Startumgebung umgebung);
+    // Ports, services, views and menueumgebung outlive the object. The views may be called from starten() on.
+    Anwendung(const Ports& ports, const Systemdienste& dienste, const Ansichten& ansichten,
+              Menueumgebung& menueumgebung, Startumgebung umgebung);
     ~Anwendung();
     Anwendung(const Anwendung&) = delete;
     Anwendung& operator=(const Anwendung&) = delete;
@@ -62,6 +88,9 @@ class Anwendung {
     FormWendel& formWendel();
     FormHinweis& formHinweis();
     FormTermin& formTermin();
+    FormAufzeichnungsHinweis& formAufzeichnungsHinweis();
+    FormAufzeichnungsskript& formAufzeichnungsskript();
+    FormAufzeichnungsverlauf& formAufzeichnungsverlauf();
     const Prozesswerte& werte() const;
 
   private:

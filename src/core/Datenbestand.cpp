@@ -18,8 +18,9 @@ constexpr std::int64_t kFrischeSekunden = 60;
 constexpr int kNurLesbar = 3027;  // of the engine: the database or its folder cannot be written
 
 Ports mitMeldungen(const Ports& ports, Meldungen& meldungen) {
-    return {ports.uhr,     ports.dateien,    meldungen,    ports.fenster, ports.klang,      ports.prozesse,
-            ports.starter, ports.automation, ports.symbol, ports.rechner, ports.datenbanken};
+    return {ports.uhr,         ports.dateien,       meldungen,        ports.fenster, ports.klang,
+            ports.prozesse,    ports.starter,       ports.automation, ports.symbol,  ports.rechner,
+            ports.datenbanken, ports.fernsteuerung, ports.energie};
 }
 
 bool localeVerwenden(const Ports& ports, const std::string& titel, const std::string& was,
@@ -54,8 +55,36 @@ Datenbestand::Datenbestand(const Ports& ports, Prozesswerte& werte)
 void Datenbestand::einstellungenLesen() {
     const bool lesbar = einstellungen_.EinstellungsdateiVorhanden() && einstellungen_.arrayOderNichts();
     if (!lesbar && einstellungenGelesen_) return;
+    const Datum letztesUpdate = konfiguration_.letztesUpdate;
     konfiguration_ = liesKonfiguration(einstellungen_, werte_.programmordner);
+    if (letztesUpdateOffen_) konfiguration_.letztesUpdate = letztesUpdate;
     einstellungenGelesen_ = true;
+}
+
+void Datenbestand::letztesUpdateMerken(Datum moment) {
+    konfiguration_.letztesUpdate = moment;
+    letztesUpdateOffen_ = true;
+    letztesUpdateSchreiben();
+}
+
+void Datenbestand::letztesUpdateSchreiben() {
+    if (!letztesUpdateOffen_) return;
+    try {
+        einstellungen_.setzeEinstellung(einstellung::kLetztesUpdate,
+                                        Variant::datum(konfiguration_.letztesUpdate));
+        letztesUpdateOffen_ = false;
+    } catch (const Fehler&) {
+        // Only a restart would miss it, and make the update once more.
+    }
+}
+
+void Datenbestand::skriptwerteLesen() {
+    if (!einstellungen_.EinstellungsdateiVorhanden() || !einstellungen_.arrayOderNichts()) return;
+    Konfiguration frisch = liesKonfiguration(einstellungen_, werte_.programmordner);
+    konfiguration_.skript = std::move(frisch.skript);
+    konfiguration_.tvOrdner = std::move(frisch.tvOrdner);
+    konfiguration_.aufzeichnungsordner = std::move(frisch.aufzeichnungsordner);
+    konfiguration_.debuganzeige = frisch.debuganzeige;
 }
 
 void Datenbestand::pfadeBestimmen() {
@@ -80,6 +109,7 @@ void Datenbestand::hauptanwendungTitelLesen() {
 }
 
 bool Datenbestand::speichernWennNoetig() {
+    letztesUpdateSchreiben();
     const bool journalGeschrieben = journal_.nachschreiben();
     return termine_.speichernWennNoetig() && journalGeschrieben;
 }
@@ -87,6 +117,8 @@ bool Datenbestand::speichernWennNoetig() {
 void Datenbestand::senderLaden() {
     const Laufend laufend(zugriffLaeuft_);
     try {
+        // With the first channels come marks that no query has looked for.
+        if (sender_.alle().count() == 0) verpassteVormerken();
         sender_.laden();
         senderGeladen_ = true;
     } catch (const Fehler&) {
@@ -95,10 +127,11 @@ void Datenbestand::senderLaden() {
     }
 }
 
-// Without channels every query would be refused. A list that could not be read is tried again with the next
-// query, or one locked moment at the start would silence all reminders for the rest of the day.
+// Without channels nothing is found. A list that could not be read or was empty is tried again with the next
+// query: one locked moment at the start, or a database that gets its data later, would silence all reminders
+// for the rest of the day.
 bool Datenbestand::senderBereit() {
-    if (senderGeladen_) return true;
+    if (senderGeladen_ && sender_.alle().count() > 0) return true;
     try {
         senderLaden();
     } catch (const Fehler&) {
@@ -226,7 +259,10 @@ bool Datenbestand::verpassteLesen(Terminabfragen& abfragen, Datum jetzt) {
 bool Datenbestand::aufzeichnungenLesen(Terminabfragen& abfragen, Datum jetzt) {
     Terminabfrage abfrage = abfragen.AufzeichnungenLesen(
         senderkennungen(), jetzt, konfiguration_.vorlaufMinuten, konfiguration_.nachlaufMinuten);
-    if (abfrage.gelungen) aufzeichnungen_ = std::move(abfrage.termine);
+    if (abfrage.gelungen) {
+        aufzeichnungen_ = std::move(abfrage.termine);
+        ++aufzeichnungenGelesen_;
+    }
     return abfrage.gelungen;
 }
 

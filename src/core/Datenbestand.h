@@ -4,6 +4,7 @@
 // it, the tick what a fired entry has changed. A reading that fails keeps what was known before. Shows
 // nothing but the boxes of the two path questions and of the database access.
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -34,6 +35,11 @@ class Datenbestand {
     // All settings. While the file is absent or unreadable, those known before stay, at first the defaults.
     void einstellungenLesen();
     const Konfiguration& konfiguration() const { return konfiguration_; }
+    // Those that scripts use, afresh: script, both folders, debug display.
+    void skriptwerteLesen();
+    // The live update has succeeded. A failed write is tried again with speichernWennNoetig(); until then the
+    // moment is not taken from the file.
+    void letztesUpdateMerken(Datum moment);
 
     // Database file and Hyperlinks folder from the settings; asks whether to take the local one for each that
     // is not there.
@@ -89,6 +95,8 @@ class Datenbestand {
     const Terminliste& eigene() const { return termine_.liste(); }
     const Terminliste& erinnerungen() const { return erinnerungen_; }
     const Terminliste& aufzeichnungen() const { return aufzeichnungen_; }
+    // How often they have been read; another number: they may be others.
+    std::uint64_t aufzeichnungenGelesen() const { return aufzeichnungenGelesen_; }
     // Keys of the user's marks as the last maintenance has read them.
     const Markierungslisten& markierungslisten() const { return markierungslisten_; }
     Hinweisjournal& journal() { return journal_; }
@@ -111,6 +119,7 @@ class Datenbestand {
         Meldungen& gezeigte_;
     };
 
+    void letztesUpdateSchreiben();
     bool senderBereit();
     bool tippLesen();
     Terminabfragen terminabfragen();
@@ -139,8 +148,10 @@ class Datenbestand {
 
     Terminliste erinnerungen_;
     Terminliste aufzeichnungen_;
+    std::uint64_t aufzeichnungenGelesen_ = 0;
     Markierungslisten markierungslisten_;
     bool einstellungenGelesen_ = false;
+    bool letztesUpdateOffen_ = false;  // not in the file yet
     bool verpassteOffen_ = true;
     bool senderGeladen_ = false;
     bool zugriffLaeuft_ = false;

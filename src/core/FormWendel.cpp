@@ -4,7 +4,10 @@
 #include <exception>
 #include <utility>
 
+#include "core/Aufzeichnungsablauf.h"
+#include "core/Autostart.h"
 #include "core/Datenbestand.h"
+#include "core/FormAufzeichnungsverlauf.h"
 #include "core/Laufend.h"
 #include "core/Liveupdatetext.h"
 #include "core/ModulInterneKommunikation.h"
@@ -22,7 +25,6 @@ namespace {
 
 constexpr std::string_view kStarttipp = "Lomrick";
 constexpr std::int16_t kDoppelklickHauptanwendung = 1;
-constexpr const char* kLiveUpdateProgramm = "skarvel.exe";
 constexpr int kFensterNormal = 1;
 constexpr int kEingabe = 13;
 constexpr int kEntfernen = 46;
@@ -43,12 +45,17 @@ Steuerwort steuerwort(std::string_view zeile) {
 
 }  // namespace
 
-FormWendel::FormWendel(const Ports& ports, Datenbestand& bestand, FormHinweis& hinweis, FormTermin& termin,
-                       ModulInterneKommunikation& hauptanwendung, Traymenue& menue, FormWendelView& view)
+FormWendel::FormWendel(const Ports& ports, Datenbestand& bestand, const Ablaeufe& ablaeufe,
+                       const Unterformen& formen, ModulInterneKommunikation& hauptanwendung, Traymenue& menue,
+                       FormWendelView& view)
     : ports_(ports),
       bestand_(bestand),
-      hinweis_(hinweis),
-      termin_(termin),
+      aufzeichnungen_(ablaeufe.aufzeichnungen),
+      liveupdate_(ablaeufe.liveupdate),
+      autostart_(ablaeufe.autostart),
+      hinweis_(formen.hinweis),
+      termin_(formen.termin),
+      verlauf_(formen.verlauf),
       hauptanwendung_(hauptanwendung),
       menue_(menue),
       view_(view) {}
@@ -73,6 +80,24 @@ void FormWendel::SteuerzeileEmpfangen(const std::string& text) {
 void FormWendel::terminupdate() {
     bestand_.markierungenPflegenUndAbfragen();
     RefreshTVDaten();
+}
+
+// Called from inside a tick: what may bring a box waits for its end. One that was broken off may have changed
+// half of the broadcasts.
+void FormWendel::liveupdateBeendet(bool neueDaten) {
+    if (neueDaten) {
+        RefreshTVDaten();
+    } else {
+        Ausfüllen();
+        TaskBarIconAktualisieren();
+    }
+    vormerken("LiveUpdateBeendet", [this] { markierungenNachlesen(); });
+}
+
+void FormWendel::markierungenNachlesen() {
+    bestand_.markierungenPflegenUndAbfragen();
+    Ausfüllen();
+    TaskBarIconAktualisieren();
 }
 
 void FormWendel::createTermin() {
@@ -107,6 +132,7 @@ void FormWendel::konfigNeuLesen() {
     bestand_.einstellungenLesen();
     bestand_.pfadeBestimmen();
     bestand_.hauptanwendungTitelLesen();
+    aufzeichnungen_.skriptLaden();
     try {
         bestand_.senderLaden();
     } catch (const std::exception&) {
@@ -135,7 +161,7 @@ bool FormWendel::fensterNachricht(std::uint32_t nachricht, std::uintptr_t, std::
 
 void FormWendel::iconDoppelklick() {
     if (bestand_.konfiguration().doppelklick == kDoppelklickHauptanwendung) {
-        hauptanwendung_.StartMainApplication("Aktivieren");
+        hauptanwendungRufen(Menuebefehle::kAktivieren);
     } else {
         zeigenUndNachVorn();
     }
@@ -168,7 +194,25 @@ void FormWendel::menuebefehlAusfuehren(const Menuebefehl& befehl) {
     if (mausreaktion_) menue_.ausfuehren(befehl);
 }
 
+void FormWendel::hauptanwendungRufen(const std::string& befehlstext) {
+    if (beendet_) return;
+    if (wuerdeAufhalten() || ruftHauptanwendung_)
+        return vormerken(befehlstext, [this, befehlstext] { hauptanwendungRufen(befehlstext); });
+    const Laufend laufend(ruftHauptanwendung_);
+    hauptanwendung_.StartMainApplication(befehlstext);
+}
+
+void FormWendel::imTVZeigen(const std::string& senderkennung) {
+    if (beendet_) return;
+    if (wuerdeAufhalten())
+        return vormerken("imTVZeigen", [this, senderkennung] { imTVZeigen(senderkennung); });
+    aufzeichnungen_.imTVZeigen(senderkennung);
+}
+
 void FormWendel::nachErinnern() {
+    if (beendet_) return;
+    if (wuerdeAufhalten() || ruftHauptanwendung_)
+        return vormerken("nachErinnern", [this] { nachErinnern(); });
     bestand_.abfragen();
     Ausfüllen();
     TaskBarIconAktualisieren();
@@ -196,15 +240,31 @@ void FormWendel::fensterSchliessen() {
 void FormWendel::cmdAusblenden_Click() { fensterSchliessen(); }
 
 void FormWendel::mnuBeenden_Click() {
-    if (geladen_ && !beendet_ && !bestand_.speichernWennNoetig() && bestand_.termine().ungespeichert() &&
-        !fragen("Die Termine konnten nicht gespeichert werden:\r\n" + bestand_.termine().speicherfehler() +
-                    "\r\nMöchten Sie trotzdem beenden ?",
-                meldungsstil::kJaNeinAusrufezeichen, "Termine"))
-        return;
-    ExitProgram();
+    if (beendet_) return;
+    if (termin_.offen()) return termin_.nachVorn();
+    const bool fragt = !aufzeichnungen_.beendenFrage().empty() || !speicherfrage().empty() ||
+                       autostart_.fragt(bestand_.konfiguration().autostart);
+    if (fragt && wuerdeAufhalten()) return vormerken("mnuBeenden", [this] { mnuBeenden_Click(); });
+    if (trotzdemBeenden(aufzeichnungen_.beendenFrage(), "Aufzeichnung") &&
+        trotzdemBeenden(speicherfrage(), "Termine"))
+        ExitProgram(true);
+}
+
+// Empty when all is stored.
+std::string FormWendel::speicherfrage() {
+    if (!geladen_ || bestand_.speichernWennNoetig() || !bestand_.termine().ungespeichert()) return {};
+    return "Die Termine konnten nicht gespeichert werden:\r\n" + bestand_.termine().speicherfehler() +
+           "\r\nMöchten Sie trotzdem beenden ?";
+}
+
+// Yes also to no question at all.
+bool FormWendel::trotzdemBeenden(const std::string& frage, const std::string& titel) {
+    return frage.empty() || fragen(frage, meldungsstil::kJaNeinAusrufezeichen, titel);
 }
 
 void FormWendel::LabelAnzLiveUpdateEinstellungenStartLink_Click() {
+    if (wuerdeAufhalten())
+        return vormerken("LiveUpdate", [this] { LabelAnzLiveUpdateEinstellungenStartLink_Click(); });
     const std::string datei = bestand_.werte().programmordner + kLiveUpdateProgramm;
     try {
         ModulDateiStarten::DateiStarten(ports_.starter, datei, bestand_.konfiguration().linkParameter,
@@ -265,19 +325,25 @@ void FormWendel::mnuEditieren_Click() { TerminBearbeiten(); }
 
 void FormWendel::mnuLöschen_Click() { TerminLoeschen(); }
 
+void FormWendel::mnuAufzeichnungen_Click() { verlauf_.oeffnen(); }
+
 void FormWendel::Ausfüllen() {
     if (beendet_) return;
+    aufzeichnungen_.abgleichen();
     const Datum jetzt = ports_.uhr.jetzt();
     Terminliste termine =
-        zeilenreihenfolge(bestand_.eigene(), bestand_.erinnerungen(), bestand_.aufzeichnungen());
+        zeilenreihenfolge(bestand_.eigene(), bestand_.erinnerungen(), aufzeichnungen_.termine());
     std::vector<Terminzeile> zeilen;
     zeilen.reserve(termine.size());
-    for (const TerminZeiger& termin : termine)
-        zeilen.push_back(terminzeile(*termin, jetzt));
+    for (const TerminZeiger& termin : termine) {
+        const bool aufzeichnung = termin->Art == Terminart::Aufzeichnung;
+        zeilen.push_back(
+            terminzeile(*termin, jetzt, aufzeichnung ? aufzeichnungen_.ueberschneidung(*termin) : ""));
+    }
     zeilenZeigen(std::move(zeilen), std::move(termine));
 
     liveUpdateZeigen();
-    speicherstandZeigen();
+    statusZeigen();
 }
 
 void FormWendel::liveUpdateZeigen() {
@@ -289,14 +355,17 @@ void FormWendel::liveUpdateZeigen() {
     view_.setzeLiveUpdateEinstellungen(*liveUpdateText_);
 }
 
-void FormWendel::speicherstandZeigen() {
+void FormWendel::statusZeigen() {
     const bool gescheitert = !bestand_.termine().speicherfehler().empty();
     if (!gescheitert) speicherfehlerGemeldet_ = speicherfehlerZuMelden_ = false;
-    const std::string text = gescheitert ? "Noch nicht gespeichert, neuer Versuch jede Minute: " +
-                                               bestand_.termine().speicherfehler()
-                                         : "";
-    if (statustext_ == text) return;
-    statustext_ = text;
+    std::string text = gescheitert ? "Noch nicht gespeichert, neuer Versuch jede Minute: " +
+                                         bestand_.termine().speicherfehler()
+                                   : "";
+    const std::string& liveupdate = liveupdate_.statustext();
+    if (!text.empty() && !liveupdate.empty()) text += " – ";
+    text += liveupdate;
+    if (statustext_ == text || beendet_) return;
+    statustext_ = std::move(text);
     view_.setzeStatustext(statustext_);
 }
 
@@ -326,7 +395,7 @@ void FormWendel::iconHinzufuegen() {
 void FormWendel::TaskBarIconAktualisieren() { TaskbarUpdateIcon(tooltip()); }
 
 std::string FormWendel::tooltip() const {
-    return tooltipText(bestand_.eigene(), bestand_.erinnerungen(), bestand_.aufzeichnungen(),
+    return tooltipText(bestand_.eigene(), bestand_.erinnerungen(), aufzeichnungen_.termine(),
                        ports_.uhr.jetzt());
 }
 
@@ -349,34 +418,41 @@ bool FormWendel::wuerdeAufhalten() const {
 }
 
 // What waits inside a tick silences all reminders, and inside an access to the database those of broadcasts:
-// nobody knows how long the user lets the editor stand.
-bool FormWendel::aktionMoeglich(Aktion aktion) {
+// nobody knows how long the user lets a window or a box stand.
+void FormWendel::vormerken(const std::string& was, std::function<void()> tun) {
+    std::erase_if(vorgemerkt_, [&](const Vorgemerktes& frueher) { return frueher.was == was; });
+    vorgemerkt_.push_back({was, std::move(tun)});
+}
+
+bool FormWendel::aktionMoeglich(void (FormWendel::*aktion)()) {
     if (beendet_) return false;
     if (termin_.offen()) {
         termin_.nachVorn();
         return false;
     }
     if (!wuerdeAufhalten()) return true;
-    vorgemerkt_ = aktion;
+    vormerken("Termin", [this, aktion] { (this->*aktion)(); });
     return false;
 }
 
 void FormWendel::vorgemerktesAnstossen() {
-    if ((vorgemerkt_ || speicherfehlerZuMelden_) && !beendet_ && !wuerdeAufhalten())
+    if ((!vorgemerkt_.empty() || speicherfehlerZuMelden_) && !beendet_ && !wuerdeAufhalten())
         view_.rufeVorgemerktesBald();
 }
 
+// One at a time, the others from the event loop: they do not wait until the editor is closed again.
 void FormWendel::VorgemerktesAusfuehren() {
     if (beendet_ || wuerdeAufhalten()) return;
     if (speicherfehlerZuMelden_) speicherfehlerMelden();
-    const std::optional<Aktion> aktion = std::exchange(vorgemerkt_, std::nullopt);
-    if (aktion == Aktion::Neu) TerminNeu();
-    if (aktion == Aktion::Bearbeiten) TerminBearbeiten();
-    if (aktion == Aktion::Loeschen) TerminLoeschen();
+    if (vorgemerkt_.empty()) return;
+    const std::function<void()> tun = std::move(vorgemerkt_.front().tun);
+    vorgemerkt_.erase(vorgemerkt_.begin());
+    vorgemerktesAnstossen();
+    tun();
 }
 
 void FormWendel::TerminNeu() {
-    if (!aktionMoeglich(Aktion::Neu)) return;
+    if (!aktionMoeglich(&FormWendel::TerminNeu)) return;
     TerminZeiger neu;
     termin_.ShowAndGetTermin(neu, [&] {
         bestand_.termine().anhaengen(neu);
@@ -386,7 +462,7 @@ void FormWendel::TerminNeu() {
 }
 
 void FormWendel::TerminBearbeiten() {
-    if (!aktionMoeglich(Aktion::Bearbeiten)) return;
+    if (!aktionMoeglich(&FormWendel::TerminBearbeiten)) return;
     const TerminZeiger termin = GetSelektierterIndex() ? auswahltermin_ : nullptr;
     if (!termin) return;
     if (termin->Art != Terminart::Eigener) return wechselAnbieten(termin->Art);
@@ -399,7 +475,7 @@ void FormWendel::TerminBearbeiten() {
 }
 
 void FormWendel::TerminLoeschen() {
-    if (!aktionMoeglich(Aktion::Loeschen)) return;
+    if (!aktionMoeglich(&FormWendel::TerminLoeschen)) return;
     const TerminZeiger termin = GetSelektierterIndex() ? auswahltermin_ : nullptr;
     if (!termin) return;
     if (termin->Art != Terminart::Eigener) return wechselAnbieten(termin->Art);
@@ -425,7 +501,7 @@ void FormWendel::wechselAnbieten(Terminart art) {
                              bestand_.werte().hauptanwendungTitel +
                              " gesteuert.\r\nMöchten Sie jetzt dorthin wechseln ?";
     if (fragen(text, meldungsstil::kJaNeinInformation, aufzeichnung ? "Aufzeichnung" : "Termin"))
-        hauptanwendung_.StartMainApplication("ShowFavoritenliste");
+        hauptanwendungRufen("ShowFavoritenliste");
 }
 
 // False also when the program was told to end meanwhile.
@@ -471,10 +547,25 @@ void FormWendel::speicherfehlerMelden() {
 
 // ---- the way out ----
 
-void FormWendel::ExitProgram() {
+void FormWendel::autostarteintragSetzen() {
     if (beendet_) return;
+    if (wuerdeAufhalten()) return vormerken("Autostart", [this] { autostarteintragSetzen(); });
+    const Laufend laufend(frageOffen_);
+    autostart_.SetAutostartEntry(kVbTrue);
+}
+
+// False when the program goes on, and when it was told to end meanwhile.
+bool FormWendel::autostartKlaeren() {
+    const Laufend laufend(frageOffen_);
+    return autostart_.AskAutostartOnClose(bestand_.konfiguration().autostart) && !beendet_;
+}
+
+void FormWendel::ExitProgram(bool mitFrage) {
+    if (beendet_ || (mitFrage && !autostartKlaeren())) return;
     beendet_ = true;
     if (geladen_) static_cast<void>(bestand_.speichernWennNoetig());
+    aufzeichnungen_.beenden();
+    liveupdate_.beenden();
     if (icon_) ports_.symbol.entfernen(kIconKennung);
     mausreaktion_ = false;
     view_.entladen();

@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -12,6 +13,7 @@
 #include <vector>
 
 #include "core/FormWendelView.h"
+#include "core/Liveupdate.h"
 #include "core/TaskbarIcon.h"
 #include "core/Terminzeilen.h"
 #include "platform/Ports.h"
@@ -19,7 +21,10 @@
 
 namespace wendel {
 
+class Aufzeichnungsablauf;
+class Autostart;
 class Datenbestand;
+class FormAufzeichnungsverlauf;
 class FormHinweis;
 class FormTermin;
 class ModulInterneKommunikation;
@@ -29,10 +34,24 @@ class Traymenue;
 inline constexpr std::uint32_t kMausLinksDoppelklick = 515;
 inline constexpr std::uint32_t kMausRechtsLos = 517;
 
-class FormWendel {
+// The forms that the main form opens or asks.
+struct Unterformen {
+    FormHinweis& hinweis;
+    FormTermin& termin;
+    FormAufzeichnungsverlauf& verlauf;
+};
+
+// What goes on beside the reminders, and the entry that starts the program.
+struct Ablaeufe {
+    Aufzeichnungsablauf& aufzeichnungen;
+    Liveupdate& liveupdate;
+    Autostart& autostart;
+};
+
+class FormWendel : public Liveupdateanzeige {
   public:
     // All arguments outlive the form.
-    FormWendel(const Ports& ports, Datenbestand& bestand, FormHinweis& hinweis, FormTermin& termin,
+    FormWendel(const Ports& ports, Datenbestand& bestand, const Ablaeufe& ablaeufe, const Unterformen& formen,
                ModulInterneKommunikation& hauptanwendung, Traymenue& menue, FormWendelView& view);
 
     // --- what other programs and the system send ---
@@ -61,7 +80,12 @@ class FormWendel {
     void mnuNeuTermin_Click();
     void mnuEditieren_Click();
     void mnuLöschen_Click();
+    void mnuAufzeichnungen_Click();  // what became of the recordings
+    // Ends the program. Asks before when a recording runs, when the appointments can't be stored, and whether
+    // the system is to start the program again; put off if it has to ask. While the editor is open that comes
+    // to the front instead: what was typed into it would be lost.
     void mnuBeenden_Click();
+    // May show a box; put off.
     void LabelAnzLiveUpdateEinstellungenStartLink_Click();
 
     // --- the user's appointments ---
@@ -71,13 +95,15 @@ class FormWendel {
     // Each opens the editor or asks its question and comes back when that is answered; timers and control
     // lines run meanwhile. While the editor is open they only bring it to the front. While something else is
     // under way that would have to wait for the answer (a tick in a long action, an access to the database,
-    // the start, another question), the last one asked for is put off until that has ended.
+    // the start, another question), the last one asked for is put off until that has ended. So are the other
+    // operations here that say "put off", each once.
     void TerminNeu();
     void TerminBearbeiten();
     void TerminLoeschen();
     // A short-time alarm in so many minutes; below 0 counts as 0. Stored with the next minute.
     void KurzZeitWeckerAktivieren(std::int16_t minuten);
-    // To be called by the view, from its event loop: does what was put off, or keeps it if it still has to.
+    // To be called by the view, from its event loop: does the first of what was put off, or keeps it if it
+    // still has to.
     void VorgemerktesAusfuehren();
     // To be called after each tick: has the view call the above if something was put off and can be done now.
     void vorgemerktesAnstossen();
@@ -106,15 +132,28 @@ class FormWendel {
     // Its entries for a host that shows plain menus only; with frisch what is stale of them is read before.
     std::vector<EinfacherEintrag> einfachesMenue(bool frisch);
     void menuebefehlAusfuehren(const Menuebefehl& befehl);
-    // The main application was told to mark a broadcast.
+    // A command text for the main application, which may take half a minute to answer; put off, also while it
+    // has not answered the one before.
+    void hauptanwendungRufen(const std::string& befehlstext);
+    // The channel in the TV application, unless a recording has it; put off.
+    void imTVZeigen(const std::string& senderkennung);
+    // The main application was told to mark a broadcast. Reads the marks; put off like that.
     void nachErinnern();
+
+    // What the live update tells, from inside a tick and from its link.
+    void liveupdateStatusGeaendert() override { statusZeigen(); }
+    void liveupdateIconAuffrischen() override { TaskBarIconAktualisieren(); }
+    void liveupdateBeendet(bool neueDaten) override;
+
+    // Has the system start the program at log-on; put off, as it may show a box.
+    void autostarteintragSetzen();
 
     // A new entry of the user's (a snoozed notice): appended, shown in the list, stored.
     void terminHinzufuegen(const TerminZeiger& termin);
 
-    // Stores changed appointments, unloads the windows, takes the icon away. Does no harm when nothing was
-    // loaded yet or when called twice.
-    void ExitProgram();
+    // Stores changed appointments, unloads the windows, takes the icon away; with mitFrage only when the
+    // close question says so. Does no harm when nothing was loaded yet or when called twice.
+    void ExitProgram(bool mitFrage);
     bool beendet() const { return beendet_; }
 
     // The guard of the tick's long actions.
@@ -125,20 +164,28 @@ class FormWendel {
     void setzeGeladen() { geladen_ = true; }
 
   private:
-    enum class Aktion { Neu, Bearbeiten, Loeschen };
+    struct Vorgemerktes {
+        std::string was;  // takes the place of an earlier one of that name
+        std::function<void()> tun;
+    };
 
+    void markierungenNachlesen();
     void terminupdate();
     void refreshKonfig();
     void konfigNeuLesen();
     void createTermin();
     void zeilenZeigen(std::vector<Terminzeile> zeilen, Terminliste termine);
     void menuezustandZeigen();
-    void speicherstandZeigen();
+    void statusZeigen();
     void liveUpdateZeigen();
     TerminZeiger nachbar() const;
-    bool aktionMoeglich(Aktion aktion);
+    void vormerken(const std::string& was, std::function<void()> tun);
+    bool aktionMoeglich(void (FormWendel::*aktion)());
     bool wuerdeAufhalten() const;
     bool fragen(const std::string& text, int stil, const std::string& titel);
+    bool trotzdemBeenden(const std::string& frage, const std::string& titel);
+    std::string speicherfrage();
+    bool autostartKlaeren();
     void wechselAnbieten(Terminart art);
     void nachTerminaenderung();
     void speicherfehlerMelden();
@@ -149,8 +196,12 @@ class FormWendel {
 
     const Ports& ports_;
     Datenbestand& bestand_;
+    Aufzeichnungsablauf& aufzeichnungen_;
+    Liveupdate& liveupdate_;
+    Autostart& autostart_;
     FormHinweis& hinweis_;
     FormTermin& termin_;
+    FormAufzeichnungsverlauf& verlauf_;
     ModulInterneKommunikation& hauptanwendung_;
     Traymenue& menue_;
     FormWendelView& view_;
@@ -162,7 +213,7 @@ class FormWendel {
     TerminZeiger auswahltermin_;
     std::optional<bool> menuezustand_;
     std::string statustext_;
-    std::optional<Aktion> vorgemerkt_;
+    std::vector<Vorgemerktes> vorgemerkt_;
     std::optional<std::string> liveUpdateText_;
     std::optional<IconDatensatz> icon_;
     bool mausreaktion_ = false;
@@ -174,6 +225,7 @@ class FormWendel {
     bool bereit_ = false;
     bool menueOeffnet_ = false;
     bool frageOffen_ = false;
+    bool ruftHauptanwendung_ = false;
     bool speicherfehlerGemeldet_ = false;
     bool speicherfehlerZuMelden_ = false;
 };

@@ -4,6 +4,7 @@
 #include <exception>
 #include <utility>
 
+#include "core/Aufzeichnungsablauf.h"
 #include "core/Datenbestand.h"
 #include "core/FormWendel.h"
 #include "core/Hinweisausgabe.h"
@@ -29,12 +30,13 @@ constexpr const char* kHilfetext =
 }  // namespace
 
 Start::Start(const Ports& ports, Prozesswerte& werte, Datenbestand& bestand, FormWendel& form,
-             Hinweisausgabe& ausgabe, std::function<bool()> einzigeKopie)
+             Hinweisausgabe& ausgabe, Aufzeichnungsablauf& aufzeichnungen, std::function<bool()> einzigeKopie)
     : ports_(ports),
       werte_(werte),
       bestand_(bestand),
       form_(form),
       ausgabe_(ausgabe),
+      aufzeichnungen_(aufzeichnungen),
       einzigeKopie_(std::move(einzigeKopie)) {}
 
 Startergebnis Start::Main() {
@@ -57,7 +59,7 @@ void Start::aufSystemstartWarten() {
 
 Startergebnis Start::formLaden() {
     if (!einzigeKopie_()) {
-        form_.ExitProgram();
+        form_.ExitProgram(false);
         return Startergebnis::ZweiteKopie;
     }
     if (schalterGenau("/?")) {
@@ -79,6 +81,7 @@ void Start::formEinrichten() {
     ModulGrundbefehle::ProgrammordnerAktivieren(ports_.dateien, werte_.programmordner);
     bestand_.einstellungenLesen();
     bestand_.journal().lesen();
+    aufzeichnungen_.laden();
     // Before the first notice: its answer may store the appointments, and must not store them without these.
     mitFehlerfalle([this] { bestand_.termine().laden(); });
     form_.setzeGeladen();
@@ -87,6 +90,7 @@ void Start::formEinrichten() {
     mitFehlerfalle([this] { ausgabe_.offeneZeigen(); });
     bestand_.pfadeBestimmen();
     bestand_.hauptanwendungTitelLesen();
+    aufzeichnungen_.skriptLaden();
 }
 
 void Start::datenLaden() {
@@ -107,6 +111,7 @@ void Start::formZeigen() {
     if (!schalter("/m")) form_.zeigen();
     werte_.hilfedatei = werte_.programmordner + "fennow.hlp";
     form_.TaskBarIconAktualisieren();
+    if (bestand_.konfiguration().autostart) form_.autostarteintragSetzen();
     if (schalter("/createtermin")) form_.TerminNeu();
 }
 

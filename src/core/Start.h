@@ -12,6 +12,7 @@
 
 namespace wendel {
 
+class Aufzeichnungsablauf;
 class Datenbestand;
 class Hinweisausgabe;
 
@@ -19,7 +20,7 @@ class Start {
   public:
     // All outlive the object. werte holds command line and programme folder.
     Start(const Ports& ports, Prozesswerte& werte, Datenbestand& bestand, FormWendel& form,
-          Hinweisausgabe& ausgabe, std::function<bool()> einzigeKopie);
+          Hinweisausgabe& ausgabe, Aufzeichnungsablauf& aufzeichnungen, std::function<bool()> einzigeKopie);
 
     Startergebnis Main();
 
@@ -39,6 +40,7 @@ class Start {
     Datenbestand& bestand_;
     FormWendel& form_;
     Hinweisausgabe& ausgabe_;
+    Aufzeichnungsablauf& aufzeichnungen_;
     std::function<bool()> einzigeKopie_;
 };
 

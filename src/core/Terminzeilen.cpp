@@ -61,8 +61,9 @@ std::string restzeitText(Datum weckZeit, Datum jetzt) {
     return std::to_string(DateDiff(Einheit::Tag, jetzt, weckZeit)) + " Tage";
 }
 
-Terminzeile terminzeile(const cTermin& termin, Datum jetzt) {
-    return {symbolname(termin.Art), zeittext(termin), zeilentext(termin),
+Terminzeile terminzeile(const cTermin& termin, Datum jetzt, const std::string& zusatz) {
+    return {symbolname(termin.Art), zeittext(termin),
+            zeilentext(termin) + (zusatz.empty() ? "" : ", ") + zusatz,
             termin.Aktiv ? restzeitText(termin.WeckZeit, jetzt) : std::string()};
 }
 

@@ -23,7 +23,8 @@ struct Terminzeile {
 // Tage".
 std::string restzeitText(Datum weckZeit, Datum jetzt);
 
-Terminzeile terminzeile(const cTermin& termin, Datum jetzt);
+// zusatz follows the text after a comma, if there is one.
+Terminzeile terminzeile(const cTermin& termin, Datum jetzt, const std::string& zusatz = {});
 
 // The entries of the three collections in the order of the rows: by time, those switched off last; equal
 // times keep the order of the collections. The collections themselves stay as they are.

@@ -3,9 +3,12 @@
 #include <cstdint>
 #include <exception>
 
+#include "core/Aufzeichnungsablauf.h"
 #include "core/Datenbestand.h"
 #include "core/FormWendel.h"
 #include "core/Hinweisausgabe.h"
+#include "core/Liveupdate.h"
+#include "core/Liveupdatetext.h"
 #include "platform/ModulProzessliste.h"
 
 namespace wendel {
@@ -17,7 +20,6 @@ constexpr int kWartezeitMs = 1200;
 constexpr int kZeichenzeitMs = 200;
 constexpr int kScheibeMs = 100;
 constexpr std::int64_t kTippAbstandSekunden = 300;
-constexpr const char* kLiveUpdateProgramm = "skarvel.exe";
 
 class Beschaeftigt {
   public:
@@ -38,6 +40,16 @@ void sammleFaellige(const Terminliste& termine, Datum jetzt, Terminliste& faelli
 
 bool istLuecke(Datum von, Datum bis) { return bis.sekunden() - von.sekunden() > kLueckeSekunden; }
 
+// Nobody may be there to read a box, and one a second would bury the screen. What is still due comes with the
+// next tick; one step keeps back no other.
+template <typename Schritt>
+void geschuetzt(const Schritt& schritt) {
+    try {
+        schritt();
+    } catch (const std::exception&) {
+    }
+}
+
 bool neueMinute(Datum letzter, Datum jetzt) {
     const bool volleMinute = jetzt.sekunden() % 60 == 0 && jetzt != letzter;
     return volleMinute || jetzt.sekunden() / 60 != letzter.sekunden() / 60;
@@ -45,21 +57,33 @@ bool neueMinute(Datum letzter, Datum jetzt) {
 
 }  // namespace
 
-WeckTimer::WeckTimer(const Ports& ports, Datenbestand& bestand, FormWendel& form, Hinweisausgabe& ausgabe)
-    : ports_(ports), bestand_(bestand), form_(form), ausgabe_(ausgabe) {}
+WeckTimer::WeckTimer(const Ports& ports, Datenbestand& bestand, FormWendel& form, Hinweisausgabe& ausgabe,
+                     Aufzeichnungsablauf& aufzeichnungen, Liveupdate& liveupdate)
+    : ports_(ports),
+      bestand_(bestand),
+      form_(form),
+      ausgabe_(ausgabe),
+      aufzeichnungen_(aufzeichnungen),
+      liveupdate_(liveupdate) {}
 
-void WeckTimer::starten() { letzterTick_ = wachBis_ = tippZeit_ = ports_.uhr.jetzt(); }
+void WeckTimer::starten() {
+    letzterTick_ = wachBis_ = tippZeit_ = ports_.uhr.jetzt();
+    liveupdate_.starten(letzterTick_);
+}
 
 void WeckTimer::Timer() {
-    if (form_.beschaeftigt() || form_.beendet()) return;
-    const Datum beginn = ports_.uhr.jetzt();
-    try {
-        schritte(beginn);
-        tagestippNachholen(beginn);
-    } catch (const std::exception&) {
-        // Nobody may be there to read a box, and one a second would bury the screen. What is still due comes
-        // with the next tick.
+    if (form_.beendet()) return;
+    if (form_.beschaeftigt()) {
+        // The access that a tick waits for shows a box, which may stand all night.
+        if (bestand_.zugriffLaeuft()) aufzeichnen();
+        return;
     }
+    const Datum beginn = ports_.uhr.jetzt();
+    geschuetzt([&] { schritte(beginn); });
+    aufzeichnen();
+    geschuetzt([&] { tagestippNachholen(beginn); });
+    if (form_.beendet()) return;
+    geschuetzt([this] { liveupdate_.Timer(ports_.uhr.jetzt()); });
     wachBis_ = ports_.uhr.jetzt();
     // A box stood: asking at once might bring the next one, so that is left to the next query.
     if (istLuecke(beginn, wachBis_)) bestand_.verpassteVormerken();
@@ -82,6 +106,10 @@ void WeckTimer::schritte(Datum jetzt) {
         auffrischen();
     }
     if (!form_.beendet()) nachzueglerHinweisen();
+}
+
+void WeckTimer::aufzeichnen() {
+    geschuetzt([this] { aufzeichnungen_.Timer(); });
 }
 
 void WeckTimer::minutenlauf() {

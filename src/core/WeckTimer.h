@@ -9,24 +9,29 @@
 
 namespace wendel {
 
+class Aufzeichnungsablauf;
 class Datenbestand;
 class FormWendel;
 class Hinweisausgabe;
+class Liveupdate;
 
 class WeckTimer {
   public:
     // All outlive the timer.
-    WeckTimer(const Ports& ports, Datenbestand& bestand, FormWendel& form, Hinweisausgabe& ausgabe);
+    WeckTimer(const Ports& ports, Datenbestand& bestand, FormWendel& form, Hinweisausgabe& ausgabe,
+              Aufzeichnungsablauf& aufzeichnungen, Liveupdate& liveupdate);
 
     // From this moment gaps are measured: the end of the start-up.
     void starten();
 
-    // Does nothing while a long action of an earlier tick is under way. Errors of a step end the tick, never
+    // Does nothing while a long action of an earlier tick is under way; but a box of the database that nobody
+    // answers costs no recording. Errors of a step end the tick, never
     // the timer: what is still due is due at the next one.
     void Timer();
 
   private:
     void schritte(Datum jetzt);
+    void aufzeichnen();
     void minutenlauf();
     void hinweisenUndNachlesen(const Terminliste& faellige, Datum jetzt);
     void nachzueglerHinweisen();
@@ -38,6 +43,8 @@ class WeckTimer {
     Datenbestand& bestand_;
     FormWendel& form_;
     Hinweisausgabe& ausgabe_;
+    Aufzeichnungsablauf& aufzeichnungen_;
+    Liveupdate& liveupdate_;
     Datum letzterTick_;
     Datum tippZeit_;
     // Until when the program is known to have watched: the end of the last tick, as a box inside a tick is no

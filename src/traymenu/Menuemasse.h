@@ -15,7 +15,8 @@ inline constexpr int kHoechsteSenderbreite = 110;
 inline constexpr int kPfeilbreite = 16;
 inline constexpr int kMindestbreite = 150;
 inline constexpr int kTippHoehe = 80;
-inline constexpr int kTippBreite = 260;  // a window with the panel is at least that wide inside
+// A window with the panel is at least that wide inside, so that "Kein Tagestipp .." fits.
+inline constexpr int kTippBreite = 300;
 inline constexpr Farbe kLinieDunkel = 0x808080;
 inline constexpr Farbe kLinieHell = 0xE0E0E0;
 inline constexpr const char* kSchrift = "Verdana";

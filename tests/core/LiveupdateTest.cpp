@@ -10,6 +10,7 @@
 #include "Programm.h"
 #include "core/Datenbestand.h"
 #include "platform/Datumstext.h"
+#include "platform/Zahlen.h"
 
 namespace wendel {
 namespace {
