@@ -13,8 +13,8 @@
 #include <memory>
 #include <string>
 
+#include "../apps/Konsolenports.h"
 #include "../apps/quillon/Fernsehdatenbank.h"
-#include "../apps/quillon/Konsolenports.h"
 #include "../apps/skarvel/Ablage.h"
 #include "../apps/skarvel/LiveUpdate.h"
 #include "../apps/skarvel/Quelle.h"
@@ -73,7 +73,7 @@ int main(int argc, char** argv) {
     const bench::Folder folder;
     const std::string ordner = logischerPfad(std::filesystem::absolute(folder.file("")).string()) + "\\";
     LinuxUhr uhr;
-    quillon::Konsolenports ports(uhr);
+    Konsolenports ports(uhr);
     Einstellungen einstellungen(ports.ports().dateien, ordner);
     if (!quillon::Fernsehdatenbank(ports.ports(), einstellungen, ordner).anlegen(ordner + "tvdaten.mdb"))
         return 1;

@@ -10,9 +10,9 @@
 #include <variant>
 #include <vector>
 
+#include "../Konsolenports.h"
 #include "Befehlszeile.h"
 #include "Einrichter.h"
-#include "Konsolenports.h"
 #include "desktop/LinuxUhr.h"
 #include "desktop/Pfade.h"
 #include "desktop/Programmordner.h"

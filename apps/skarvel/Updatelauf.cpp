@@ -4,7 +4,7 @@
 #include <exception>
 #include <utility>
 
-#include "../quillon/Konsolenports.h"
+#include "../Konsolenports.h"
 #include "UnterbrechbareUhr.h"
 #include "platform/Fehler.h"
 #include "tvdb/Einstellungen.h"
@@ -46,7 +46,7 @@ void Updatelauf::melde(const std::string& text, int prozent) {
 
 Updateergebnis Updatelauf::aktualisiere() {
     UnterbrechbareUhr uhr(uhr_, abbruch_);
-    const quillon::Konsolenports ports(uhr);
+    const Konsolenports ports(uhr);
     Einstellungen einstellungen(ports.ports().dateien, programmordner_);
     LiveUpdate update(ports.ports(), einstellungen, programmordner_, *this);
     Updateergebnis ergebnis;

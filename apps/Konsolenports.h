@@ -12,7 +12,7 @@
 #include "jet/JetDatenbankmaschinen.h"
 #include "platform/Ports.h"
 
-namespace wendel::quillon {
+namespace wendel {
 
 class Konsolenports {
   public:
@@ -95,4 +95,4 @@ class Konsolenports {
     Ports ports_;
 };
 
-}  // namespace wendel::quillon
+}  // namespace wendel
