@@ -29,7 +29,10 @@ LoginEnergie::LoginEnergie(LinuxUhr& uhr, std::string rtcOrdner)
 LoginEnergie::~LoginEnergie() { schlafErlauben(); }
 
 void LoginEnergie::wachhalten(const std::string& grund) {
-    if (sperre_ || anfrage_) return;
+    if (!sperre_ && !anfrage_) bus_.wennErreichbar([this, grund] { bitte(grund); });
+}
+
+void LoginEnergie::bitte(const std::string& grund) {
     const auto bus = QDBusConnection::connectToBus(QDBusConnection::SystemBus, kVerbindung);
     QDBusMessage ruf = QDBusMessage::createMethodCall(
         QStringLiteral("org.freedesktop.login1"), QStringLiteral("/org/freedesktop/login1"),
@@ -51,6 +54,7 @@ void LoginEnergie::uebernimmAntwort() {
 }
 
 void LoginEnergie::schlafErlauben() {
+    bus_.verwerfen();
     // A reply that still comes is dropped with its descriptor.
     if (std::exchange(anfrage_, nullptr)) QDBusConnection::disconnectFromBus(kVerbindung);
     sperre_ = Dateideskriptor();

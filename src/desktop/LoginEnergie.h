@@ -8,6 +8,7 @@
 
 #include "desktop/Dateideskriptor.h"
 #include "desktop/LinuxUhr.h"
+#include "desktop/Systembusprobe.h"
 #include "desktop/Weckalarm.h"
 #include "platform/ports/Energie.h"
 
@@ -20,17 +21,19 @@ class LoginEnergie final : public Energie {
     ~LoginEnergie() override;
     LoginEnergie(const LoginEnergie&) = delete;
 
-    // Asks and returns at once. A refusal is not repeated until the next call.
+    // Asks and returns at once, also while the bus is stuck. A refusal is not repeated until the next call.
     void wachhalten(const std::string& grund) override;
     void schlafErlauben() override;
     [[nodiscard]] bool weckenUm(std::optional<Datum> moment) override;
 
   private:
+    void bitte(const std::string& grund);
     void uebernimmAntwort();
 
     LinuxUhr& uhr_;
     Weckalarm alarm_;
     QSocketNotifier alarmVorbei_;
+    Systembusprobe bus_;
     std::unique_ptr<QDBusPendingCallWatcher> anfrage_;
     // The login manager lets the machine sleep again when the last copy of this descriptor is closed, so also
     // when this process is killed.

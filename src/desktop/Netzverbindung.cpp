@@ -60,8 +60,9 @@ Netzverbindung::Netzverbindung() = default;
 Netzverbindung::~Netzverbindung() = default;
 
 std::optional<std::vector<std::string>> Netzverbindung::aktiveVerbindungen() {
-    if (!dienst_) beobachten();
-    if (verwalterDa_) return verbindungen_;
+    if (!dienst_) bus_.wennErreichbar([this] { beobachten(); });
+    // Nothing is known yet: better no connection than one that NetworkManager would not call so.
+    if (verwalterDa_ || bus_.fragt()) return verbindungen_;
     const std::string schnittstelle = aktiveNetzschnittstelle();
     if (schnittstelle.empty()) return std::vector<std::string>();
     return std::vector{nachWindows1252(schnittstelle)};

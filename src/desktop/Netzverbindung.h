@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "desktop/Systembusprobe.h"
 #include "platform/ports/Einwahl.h"
 
 class QDBusMessage;
@@ -42,6 +43,7 @@ class Netzverbindung final : public QObject, public Einwahl {
                Auswertung auswertung);
     void abschliessen(const Erkundung& erkundung);
 
+    Systembusprobe bus_;
     std::unique_ptr<QDBusServiceWatcher> dienst_;
     bool verwalterDa_ = false;
     bool erkundungLaeuft_ = false;
