@@ -1,5 +1,6 @@
 #include "recording/Aufzeichnungsskript.h"
 
+#include <cstdint>
 #include <string_view>
 
 #include "platform/Fehler.h"
@@ -11,6 +12,8 @@ namespace wendel {
 namespace {
 
 constexpr std::string_view kKopfzeile = "<kestrin pirrow aufzeichnungsskript 1.0>";
+// A hundred thousand lines have room; what is larger would be another file, and cost memory and a start.
+constexpr std::uint64_t kHoechstgroesse = std::uint64_t{8} << 20;
 
 // Null for the keys of other values.
 std::string* textfeld(Aufzeichnungsskript& skript, std::string_view schluessel) {
@@ -50,6 +53,8 @@ bool Aufzeichnungsskript::fuehrtEtwasAus() const {
 Aufzeichnungsskript SkriptEinladen(Dateisystem& dateien, const std::string& datei) {
     Aufzeichnungsskript skript;
     if (!dateien.existiert(datei)) return skript;
+    if (dateien.groesse(datei).value_or(0) > kHoechstgroesse)
+        throw Fehler(fehlernummer::kEigener, "SkriptEinladen", "Die Skriptdatei ist größer als 8 MB.");
     const std::vector<std::string> zeilen = textzeilen(dateien.lesen(datei).value_or(""));
     if (zeilen.empty() || LCase(zeilen.front()) != kKopfzeile) {
         throw Fehler(fehlernummer::kEigener, "SkriptEinladen",

@@ -33,7 +33,8 @@ struct Aufzeichnungsskript {
 };
 
 // Reads the file; an absent one (or no name) gives the empty script. Throws Fehler kEigener of source
-// "SkriptEinladen" when the first line is not the header, also for a file that is empty or can't be read.
+// "SkriptEinladen" when the first line is not the header, also for a file that is empty or can't be read, and
+// for one of more than 8 MB.
 Aufzeichnungsskript SkriptEinladen(Dateisystem& dateien, const std::string& datei);
 
 // Where a script name of the settings points to: a bare name lies in the programme folder.

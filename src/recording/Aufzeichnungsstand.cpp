@@ -29,6 +29,10 @@ std::optional<std::int64_t> zahlAusText(std::string_view text) {
     return wert;
 }
 
+std::string aufzeichnungstext(const Aufzeichnung& a) {
+    return Join({datumKompakt(a.beginn), datumKompakt(a.ende), a.senderkennung, a.titel}, "|");
+}
+
 std::optional<Aufzeichnung> aufzeichnungAusText(std::string_view text, Datum sendungsbeginn) {
     const std::vector<std::string> teile = Split(text, "|", 4);
     if (teile.size() != 4) return std::nullopt;
@@ -68,10 +72,6 @@ std::optional<Aufzeichnungseintrag> eintragAusZeile(std::string_view zeile) {
 
 bool istDieselbe(const Aufzeichnung& a, const Aufzeichnung& b) {
     return a.sendungsbeginn == b.sendungsbeginn && a.senderkennung == b.senderkennung && a.titel == b.titel;
-}
-
-std::string aufzeichnungstext(const Aufzeichnung& a) {
-    return Join({datumKompakt(a.beginn), datumKompakt(a.ende), a.senderkennung, a.titel}, "|");
 }
 
 Aufzeichnungsstand::Aufzeichnungsstand(Dateisystem& dateien, Aufzeichnungsprotokoll& protokoll,

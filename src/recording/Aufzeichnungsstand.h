@@ -31,9 +31,6 @@ struct Aufzeichnung {
 // follow-up times have been changed.
 bool istDieselbe(const Aufzeichnung& a, const Aufzeichnung& b);
 
-// "start14|end14|Senderkennung|title".
-std::string aufzeichnungstext(const Aufzeichnung& aufzeichnung);
-
 enum class Aufzeichnungsphase {
     Geplant,        // known; may have failed to start and wait for its next try
     Startet,        // the start commands are about to run or running

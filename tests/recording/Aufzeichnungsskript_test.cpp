@@ -55,6 +55,8 @@ TEST(ScriptFile, IsEmptyWhenAbsentAndRefusedWithoutItsHeader) {
                       "1SkriptEinladen: Das Format oder die Version der Skriptdatei ist ungültig.");
         }
     }
+    dateien.lege("\\a.cfs", kKopf + std::string(8 << 20, '\n'));
+    EXPECT_THROW(SkriptEinladen(dateien, "\\a.cfs"), Fehler);
     EXPECT_EQ(skriptdatei("a.cfs", "\\suite\\"), "\\suite\\a.cfs");
     EXPECT_EQ(skriptdatei("x/a.cfs", "\\suite\\") + skriptdatei("", "\\suite\\"), "x/a.cfs");
 }
