@@ -9,15 +9,14 @@
 #include <QStandardItemModel>
 #include <QStyle>
 #include <QVBoxLayout>
-#include <algorithm>
 
 #include "desktop/Bildschirm.h"
+#include "desktop/Desktopfenster.h"
 #include "desktop/Knopf.h"
 #include "desktop/Listenstil.h"
 #include "desktop/QtText.h"
 #include "desktop/Schrift.h"
 #include "desktop/Symbole.h"
-#include "desktop/X11.h"
 
 namespace wendel {
 namespace {
@@ -134,25 +133,14 @@ void FormAufzeichnungsverlaufFenster::zeigeGewaehlte() {
     labelErgebnis_->setToolTip(labelErgebnis_->text());
 }
 
-void FormAufzeichnungsverlaufFenster::stelleHin() {
-    const bool beiDerListe = terminliste_.isVisible() && !terminliste_.isMinimized();
-    const QRect frei = beiDerListe ? terminliste_.screen()->availableGeometry() : freieFlaeche();
-    QRect platz(QPoint(0, 0), size());
-    platz.moveCenter(beiDerListe ? terminliste_.frameGeometry().center() : frei.center());
-    move(std::clamp(platz.left(), frei.left(), std::max(frei.left(), frei.right() + 1 - width())),
-         std::clamp(platz.top(), frei.top(), std::max(frei.top(), frei.bottom() + 1 - height())));
-}
-
 void FormAufzeichnungsverlaufFenster::zeigen() {
     if (!isVisible()) {
         listViewAufzeichnungen_->setFocus(Qt::OtherFocusReason);
-        stelleHin();
+        stelleZu(*this, terminliste_);
     }
     if (isMinimized()) setWindowState(windowState() & ~Qt::WindowMinimized);
     show();
-    raise();
-    activateWindow();
-    if (const auto x11 = X11::verbindung()) x11->aktiviere(static_cast<xcb_window_t>(winId()));
+    Desktopfenster::aktiviereEigenes(*this);
 }
 
 void FormAufzeichnungsverlaufFenster::verbergen() { hide(); }

@@ -42,7 +42,6 @@ class FormAufzeichnungsverlaufFenster final : public QWidget, public FormAufzeic
     void baueListe();
     QWidget* baueLeiste();
     void zeigeGewaehlte();
-    void stelleHin();
 
     QWidget& terminliste_;
     FormAufzeichnungsverlauf* form_ = nullptr;

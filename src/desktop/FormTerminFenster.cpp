@@ -21,12 +21,12 @@
 #include <algorithm>
 
 #include "desktop/Bildschirm.h"
+#include "desktop/Desktopfenster.h"
 #include "desktop/Kalenderblatt.h"
 #include "desktop/Knopf.h"
 #include "desktop/QtText.h"
 #include "desktop/Schrift.h"
 #include "desktop/Symbole.h"
-#include "desktop/X11.h"
 #include "desktop/Zeitfeld.h"
 #include "reminders/Termineingabefelder.h"
 
@@ -306,15 +306,10 @@ void FormTerminFenster::warteAufListe() {
 }
 
 void FormTerminFenster::stelleHin() {
-    const bool beiDerListe = liste_.isVisible() && !liste_.isMinimized();
-    const QRect frei = (beiDerListe ? liste_.screen() : bildschirmDesZeigers())->availableGeometry();
-    resize(sizeHint().boundedTo(frei.size()));
-    QRect platz(QPoint(0, 0), size());
-    platz.moveCenter(beiDerListe ? liste_.frameGeometry().center() : frei.center());
-    move(std::clamp(platz.left(), frei.left(), std::max(frei.left(), frei.right() + 1 - width())),
-         std::clamp(platz.top(), frei.top(), std::max(frei.top(), frei.bottom() + 1 - height())));
+    resize(sizeHint().boundedTo(flaecheBei(liste_).size()));
+    stelleZu(*this, liste_);
     winId();  // makes the window handle
-    windowHandle()->setTransientParent(beiDerListe ? liste_.windowHandle() : nullptr);
+    windowHandle()->setTransientParent(istZuSehen(liste_) ? liste_.windowHandle() : nullptr);
 }
 
 void FormTerminFenster::zeigenModal(Terminfeld anfang) {
@@ -343,9 +338,7 @@ void FormTerminFenster::nachVorn() {
     QWidget& fenster = kasten != nullptr ? *kasten : *this;
     if (!fenster.isVisible()) return;
     if (fenster.isMinimized()) fenster.showNormal();
-    fenster.raise();
-    fenster.activateWindow();
-    if (const auto x11 = X11::verbindung()) x11->aktiviere(static_cast<xcb_window_t>(fenster.winId()));
+    Desktopfenster::aktiviereEigenes(fenster);
 }
 
 void FormTerminFenster::zumFeld(Terminfeld feld) {

@@ -16,13 +16,13 @@
 #include <utility>
 
 #include "core/FormWendel.h"
+#include "desktop/Desktopfenster.h"
 #include "desktop/Linkschalter.h"
 #include "desktop/QtText.h"
 #include "desktop/Schrift.h"
 #include "desktop/Statuszeile.h"
 #include "desktop/Symbole.h"
 #include "desktop/TermineListView.h"
-#include "desktop/X11.h"
 
 namespace wendel {
 namespace {
@@ -194,9 +194,7 @@ void FormWendelFenster::verstecken() { hide(); }
 
 void FormWendelFenster::nachVorn() {
     if (isMinimized()) setWindowState(windowState() & ~Qt::WindowMinimized);
-    raise();
-    activateWindow();
-    if (const auto x11 = X11::verbindung()) x11->aktiviere(static_cast<xcb_window_t>(winId()));
+    Desktopfenster::aktiviereEigenes(*this);
 }
 
 void FormWendelFenster::setzeZeilen(const std::vector<Terminzeile>& zeilen,

@@ -39,6 +39,8 @@ std::vector<Knopf> knoepfe(int stil) {
 }
 
 QMessageBox::Icon symbol(int stil) {
+    // It asks for no more than a choice, whatever its digits say.
+    if (stil == meldungsstil::kJaNeinAbbrechenFrage) return QMessageBox::Question;
     switch (stil & kSymbolmaske) {
         case 16: return QMessageBox::Critical;
         case 32: return QMessageBox::Question;
