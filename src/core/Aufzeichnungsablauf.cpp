@@ -171,7 +171,7 @@ void Aufzeichnungsablauf::Timer() {
     if (skript_.aktiv() || form_->beendet()) return;
     gestartet_ = std::min(gestartet_, ports_.uhr.jetzt());
     abgleichen();
-    schlafBemerken();
+    schlafBemerken(wachBisMs_, 0);
     nachschreiben();
     if (!laufende_) wiederaufnehmen();
     if (laufende_) laufendeBetreuen();
@@ -187,9 +187,10 @@ void Aufzeichnungsablauf::Timer() {
     wachBisMs_ = ports_.uhr.laufzeitMs();
 }
 
-// Measured on the clock that no step moves: the changes of summer time are no sleep.
-void Aufzeichnungsablauf::schlafBemerken() {
-    const bool luecke = ports_.uhr.laufzeitMs() - wachBisMs_ > kSchlafMs;
+// The machine may have been at work for so many minutes since then. Measured on the clock that no step moves:
+// the changes of summer time are no sleep.
+void Aufzeichnungsablauf::schlafBemerken(std::int64_t seitMs, int arbeitsminuten) {
+    const bool luecke = ports_.uhr.laufzeitMs() - seitMs > arbeitsminuten * 60000 + kSchlafMs;
     if (!luecke || !laufende_) return;
     unterbrochen_ = istZuEnde(*laufende_, ports_.uhr.jetzt());
     if (!unterbrochen_) ergaenze(*laufende_, kZusatzSchlief);
@@ -342,6 +343,7 @@ void Aufzeichnungsablauf::starten(const Aufzeichnung& aufzeichnung) {
     auffrischen();
     bestand_.skriptwerteLesen();
     wachstum_.vormerken(bestand_.konfiguration().aufzeichnungsordner);
+    const std::int64_t beginnMs = ports_.uhr.laufzeitMs();
     Skriptlauf::Auftrag start = auftrag(kStartMinuten);
     start.bis = laufende_->ende;
     const auto [begonnen, fehler, beendet] =
@@ -352,6 +354,7 @@ void Aufzeichnungsablauf::starten(const Aufzeichnung& aufzeichnung) {
     if (fehler) return startGescheitert(*fehler, begonnen == 3);
     laufenderEintrag().phase = Phase::Laeuft;
     speichern();
+    schlafBemerken(beginnMs, kStartMinuten);
     wachstum_.beginnen();
     auffrischen();
 }
@@ -377,11 +380,8 @@ void Aufzeichnungsablauf::startGescheitert(const Skriptfehler& fehler, bool aufn
     wartend.naechsterVersuch = ports_.uhr.jetzt().plusSekunden(kVersuchSekunden);
     const Datum naechster = wartend.naechsterVersuch;
     speichern();
-    // As long as it was starting, it could not be withdrawn.
-    abgeglichen_ = 0;
+    melde(Aufzeichnungstexte::startGescheitert(gescheiterte, fehler, naechster), &fehler);
     auffrischen();
-    if (stand_.finde(gescheiterte))
-        melde(Aufzeichnungstexte::startGescheitert(gescheiterte, fehler, naechster), &fehler);
 }
 
 // ---- end ----
@@ -410,6 +410,10 @@ void Aufzeichnungsablauf::laufendeBeenden() {
     const bool wach =
         !unterbrochen_ && ports_.uhr.laufzeitMs() - beginnMs <= 2 * kSchlussMinuten * 60000 + kSchlafMs;
     if (wach) wartendeVertroesten();
+    laufendeAbschliessen();
+}
+
+void Aufzeichnungsablauf::laufendeAbschliessen() {
     const std::string ergebnis = unterbrochen_
                                      ? std::string(aufzeichnungsergebnis::kUnterbrochen)
                                      : aufzeichnungsergebnis::aufgezeichnet(laufenderEintrag().verspaetung);

@@ -43,7 +43,9 @@ class Aufzeichnungsablauf {
 
     // What the last run of the program has left; before the first query.
     void laden();
+    // Not to be called while a script runs.
     void skriptLaden() { skript_.laden(); }
+    bool skriptLaeuft() const { return skript_.aktiv(); }
 
     // With every tick. An idle one only compares times. May run a script, which takes minutes; what comes in
     // meanwhile returns at once.
@@ -56,9 +58,8 @@ class Aufzeichnungsablauf {
     // "überschneidet sich mit ...": what keeps this one of them from starting in time; empty for nothing.
     std::string ueberschneidung(const cTermin& termin) const;
 
-    // "InAufnahme", or on the way there or back.
-    bool nimmtAuf() const { return laufende_.has_value(); }
-    bool kannImTVZeigen() const { return !nimmtAuf() && !skript_.aktiv() && tv_.kann(); }
+    // The script can do it, and neither a recording nor another run has the TV application.
+    bool kannImTVZeigen() const { return !laufende_ && !skript_.aktiv() && tv_.kann(); }
     void imTVZeigen(const std::string& senderkennung);
     // What the user is to be asked before the program ends; empty: nothing.
     std::string beendenFrage() const;
@@ -80,7 +81,7 @@ class Aufzeichnungsablauf {
     bool wartet(const Vorhaben& vorhaben);
 
     // --- the steps of a tick ---
-    void schlafBemerken();
+    void schlafBemerken(std::int64_t seitMs, int arbeitsminuten);
     void nachschreiben();
     void wiederaufnehmen();
     void laufendeBetreuen();
@@ -93,6 +94,7 @@ class Aufzeichnungsablauf {
     void starten(const Aufzeichnung& aufzeichnung);
     void startGescheitert(const Skriptfehler& fehler, bool aufnahmeBegonnen);
     void laufendeBeenden();
+    void laufendeAbschliessen();
     void wachstumPruefen();
     void wecken();
 
@@ -115,14 +117,14 @@ class Aufzeichnungsablauf {
     Dateiwachstum wachstum_;
     Wachdienst wachdienst_;
 
-    std::uint64_t abgeglichen_ = 0;  // the reading of the database that the plan follows
-    std::vector<Vorhaben> plan_;     // those that are not over, in the order of their starts
-    Terminliste termine_;            // their entries
-    std::optional<Aufzeichnung> laufende_;
+    std::uint64_t abgeglichen_ = 0;         // the reading of the database that the plan follows
+    std::vector<Vorhaben> plan_;            // those that are not over, in the order of their starts
+    Terminliste termine_;                   // their entries
+    std::optional<Aufzeichnung> laufende_;  // "InAufnahme", or on the way there or back
     std::optional<Aufzeichnung> angekuendigte_;
     // Nobody watched when the running one should have ended.
     bool unterbrochen_ = false;
-    // When the program was, by a clock that may have been set back since.
+    // When the program started; as early as the present moment where the clock was set back since.
     Datum gestartet_;
     std::int64_t wachBisMs_ = 0;  // of the running time: the end of the last tick
     std::int64_t minute_ = 0;     // of the last time that what is owed was written

@@ -163,14 +163,26 @@ void Datenbestand::zugreifen(bool pflegen) {
         abfrageNachholen_ = true;
         return;
     }
-    const Laufend laufend(zugriffLaeuft_);
     bool gelungen = true;
-    do {
-        // It asks with a later moment than the access that was under way: what lies between would be neither
-        // missed nor to come.
-        if (std::exchange(abfrageNachholen_, false)) verpassteVormerken();
-        gelungen = durchgang(std::exchange(pflegeNachholen_, false));
-    } while (abfrageNachholen_ && gelungen);
+    {
+        const Laufend laufend(zugriffLaeuft_);
+        do {
+            // It asks with a later moment than the access that was under way: what lies between would be
+            // neither missed nor to come.
+            if (std::exchange(abfrageNachholen_, false)) verpassteVormerken();
+            gelungen = durchgang(std::exchange(pflegeNachholen_, false));
+        } while (abfrageNachholen_ && gelungen);
+    }
+    aufgeschobenesNachholen(gelungen);
+}
+
+// What ticks and control lines have put off during a box, and what has become outdated in it: nobody comes
+// back to it else. When the user has declined that box, it is tried without another one.
+void Datenbestand::aufgeschobenesNachholen(bool gelungen) {
+    if (!abfrageNachholen_ || rueckfragen_.ablehnen) return;
+    if (gelungen) return abfragen();
+    const Laufend unbeaufsichtigt(rueckfragen_.ablehnen), sofort(zugriff_.ohneWarten);
+    abfragen();
 }
 
 // False when something could not be done: the user has given up, and asking again would bring the next box.
@@ -276,12 +288,7 @@ void Datenbestand::menueLesen() {
         // After the first box that was declined there is no second one.
         gelungen = senderBereit() && menuelisten_.auffrischen() && tippLesen();
     }
-    // What ticks and control lines have put off during a box. Nobody comes back to it else: when the user has
-    // declined that box, it is tried without another one.
-    if (!abfrageNachholen_ || rueckfragen_.ablehnen) return;
-    if (gelungen) return abfragen();
-    const Laufend unbeaufsichtigt(rueckfragen_.ablehnen), sofort(zugriff_.ohneWarten);
-    abfragen();
+    aufgeschobenesNachholen(gelungen);
 }
 
 void Datenbestand::menueLesenOhneKaesten() {

@@ -126,6 +126,7 @@ class Datenbestand {
     std::vector<std::string> senderkennungen() const;
     void zugreifen(bool pflegen);
     bool durchgang(bool pflegen);
+    void aufgeschobenesNachholen(bool gelungen);
     bool markierungenPflegen(Datum jetzt);
     bool istUeberholt(Datum abfragemoment);
     bool erinnerungenLesen(Terminabfragen& abfragen, Datum jetzt);

@@ -67,6 +67,9 @@ void FormWendel::SteuerzeileEmpfangen(const std::string& text) {
     if (wort == Steuerwort::Unbekannt || beendet_) return;
     ports_.uhr.nachrichtenVerarbeiten();
     if (beendet_) return;
+    // What reads the database may bring a box, which would hold the script up until somebody answers it.
+    if (wort != Steuerwort::ShowWendel && aufzeichnungen_.skriptLaeuft())
+        return vormerken(text, [this, text] { SteuerzeileEmpfangen(text); });
     switch (wort) {
         case Steuerwort::Terminupdate: terminupdate(); break;
         case Steuerwort::ShowWendel: zeigenUndNachVorn(); break;

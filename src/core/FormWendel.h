@@ -57,7 +57,7 @@ class FormWendel : public Liveupdateanzeige {
     // --- what other programs and the system send ---
 
     // One line of another program of the suite; unknown ones are ignored. Acts at once, also while a tick
-    // waits.
+    // waits; while a recording script runs, all but "showwendel" are put off.
     void SteuerzeileEmpfangen(const std::string& text);
     // The window procedure. True when the message was taken; false leaves it to the previous procedure.
     bool fensterNachricht(std::uint32_t nachricht, std::uintptr_t wParam, std::uintptr_t lParam);

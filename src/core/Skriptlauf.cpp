@@ -37,8 +37,6 @@ Skriptlauf::Skriptlauf(const Ports& ports, Datenbestand& bestand, FormAufzeichnu
     : ports_(ports), bestand_(bestand), modul_(ports, status) {}
 
 void Skriptlauf::laden() {
-    veraltet_ = aktiv_;
-    if (aktiv_) return;
     const std::string datei = skriptdatei(bestand_.konfiguration().skript, bestand_.werte().programmordner);
     modul_.setzeSkript({});
     try {
@@ -52,23 +50,20 @@ void Skriptlauf::laden() {
 }
 
 Skriptlauf::Ergebnis Skriptlauf::laufe(std::initializer_list<Liste> listen, const Auftrag& auftrag) {
+    const Laufend laufend(aktiv_);
+    const Beschaeftigt waehrenddessen(*form_);
+    modul_.setzeWerte(werte(auftrag));
+    modul_.setzeAbbruch(grenze(auftrag));
     Ergebnis ergebnis;
-    {
-        const Laufend laufend(aktiv_);
-        const Beschaeftigt waehrenddessen(*form_);
-        modul_.setzeWerte(werte(auftrag));
-        modul_.setzeAbbruch(grenze(auftrag));
-        try {
-            for (const Liste liste : listen) {
-                ++ergebnis.begonnen;
-                (modul_.*liste)();
-            }
-        } catch (const Skriptfehler& fehler) {
-            ergebnis.beendet = form_->beendet();
-            ergebnis.fehler = fehler;
+    try {
+        for (const Liste liste : listen) {
+            ++ergebnis.begonnen;
+            (modul_.*liste)();
         }
+    } catch (const Skriptfehler& fehler) {
+        ergebnis.beendet = form_->beendet();
+        ergebnis.fehler = fehler;
     }
-    if (veraltet_) laden();
     return ergebnis;
 }
 

@@ -42,7 +42,7 @@ class Skriptlauf {
     void verbinde(FormWendel& form) { form_ = &form; }
 
     // Reads the script of the settings; a file that is none is shown without waiting, and nothing is known
-    // then. During a run it is done afterwards.
+    // then. Not to be called while a run is under way.
     void laden();
     const Aufzeichnungsskript& skript() const { return modul_.skript(); }
     bool aktiv() const { return aktiv_; }
@@ -63,7 +63,6 @@ class Skriptlauf {
     ModulAufzeichnungskript modul_;
     FormWendel* form_ = nullptr;
     bool aktiv_ = false;
-    bool veraltet_ = false;
 };
 
 }  // namespace wendel

@@ -12,6 +12,7 @@ namespace {
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::Not;
 using testing::SizeIs;
 using Texte = std::vector<std::string>;
 
@@ -181,6 +182,14 @@ INSTANTIATE_TEST_SUITE_P(
              },
              {},
              ""},
+        Fall{"WithdrawnAfterAFailedStart",
+             [](A& a) {
+                 a.setze(einstellung::kDebuganzeige, Variant::boolesch(true));
+                 a.fehlt({"rec Tatort"}), a.bis(um(20, 10)), a.marken({});
+                 EXPECT_FALSE(a.aufzeichnungsskript.gezeigt);
+                 a.bis(um(22, 0));
+             },
+             folge({kAn, kZu}), ""},
         Fall{"WithdrawnTooLate", [](A& a) { a.bis(um(20, 30)), a.marken({}), a.bis(um(22, 0)); },
              folge({kAn, kZu}), "aufgezeichnet\n"},
         Fall{"LeadChangedMeanwhile",
@@ -192,6 +201,14 @@ INSTANTIATE_TEST_SUITE_P(
         Fall{"RestartedAfterTheWindow", [](A& a) { a.bis(um(20, 30)), a.neustartUm(um(23, 0)), a.sekunde(); },
              folge({kAn, kZu}), "unterbrochen\n"},
         Fall{"AsleepOverTheEnd", [](A& a) { a.bis(um(20, 30)), a.ports.uhr.vor(3 * 3600), a.sekunde(); },
+             folge({kAn, kZu}), "unterbrochen\n"},
+        Fall{"AsleepOverTheEndBeforeTheStartWasThrough",
+             [](A& a) {
+                 a.ports.uhr.beiNachrichten = [&] {
+                     if (a.befehle() == kAn && a.jetzt() < um(21, 0)) a.ports.uhr.vor(3 * 3600);
+                 };
+                 a.bis(um(20, 10)), a.sekunde();
+             },
              folge({kAn, kZu}), "unterbrochen\n"},
         Fall{"AsleepInTheMiddle", [](A& a) { a.bis(um(20, 30)), a.ports.uhr.vor(3600), a.bis(um(22, 0)); },
              folge({kAn, kZu}), "aufgezeichnet; Rechner schlief währenddessen\n"},
@@ -211,6 +228,8 @@ INSTANTIATE_TEST_SUITE_P(
              kAnFehlt},
         Fall{"EndFails", [](A& a) { a.bis(um(21, 0)), a.fehlt({"stop"}), a.bis(um(22, 0)); },
              folge({kAn, kZu}), kStopFehlt},
+        Fall{"ScriptVanishes", [](A& a) { a.bis(um(21, 0)), a.skript("x"), a.lies(), a.bis(um(22, 0)); }, kAn,
+             "aufgezeichnet; Ende fehlgeschlagen: Das Aufzeichnungsskript fehlt.\n"},
         Fall{"DatabaseLockedButKnownFromTheLastRun",
              [](A& a) { a.tvDaten.gesperrt = true, a.neustartUm(um(20, 5)), a.bis(um(22, 0)); },
              folge({kAn, kZu}), "aufgezeichnet\n"},
@@ -400,13 +419,19 @@ TEST_F(Aufzeichnungen, TicksWithoutAnEventCallNoPort) {
     }
 }
 
-TEST_F(Aufzeichnungen, ScriptThatIsChangedInARunCountsAfterIt) {
+// A box in a script would hold it up until somebody answers.
+TEST_F(Aufzeichnungen, ControlLinesWaitForTheEndOfAScript) {
     starte();
     bool geaendert = false;
     ports.uhr.beiNachrichten = [&] {
         if (befehle() != Texte{"an"} || std::exchange(geaendert, true)) return;
-        skript(ersetzt(ersetzt(kSkript, "rec", "falsch"), "stop", "halt")), lies();
+        tvDaten.gesperrt = true, tvDaten.sperrnummer = 3078;
+        skript(ersetzt(ersetzt(kSkript, "rec", "falsch"), "stop", "halt")), lies(), marken({});
     };
+    ports.meldungen.imKasten = [&](const auto&) { EXPECT_EQ(befehle(), kAn); };
+    bis(um(20, 11)), ereignisse();
+    EXPECT_THAT(ports.meldungen.gezeigt, Not(IsEmpty()));
+    ports.meldungen.imKasten = nullptr;
     bis(um(22, 0));
     EXPECT_EQ(befehle(), folge({kAn, {"halt", "aus"}}));
     EXPECT_THAT(ports.meldungen.fehler, IsEmpty());

@@ -104,6 +104,7 @@ class Aufzeichnungsmodell {
     }
 
     void tot(Datum jetzt) {
+        andereLaufen(jetzt);
         for (const int nummer : std::exchange(beruehrt_, {})) {
             Aufnahme& n = offene.at(nummer);
             if (!n.vorbei) n.unklar = n.warUnklar = true;
@@ -226,7 +227,9 @@ class Aufzeichnungsmodell {
             return;
         }
         if (n.bestaetigt) {
-            if (neustart_ && grenzen(kMinute, *neustart_, n.bis) <= 0) n.ergebnisse = {"unterbrochen"};
+            // Over before the first tick came to it.
+            if (neustart_ && grenzen(kMinute, *neustart_, n.bis) <= 0) n.ergebnisse.clear();
+            if (neustart_) n.ergebnisse.insert("unterbrochen");
             return;
         }
         const bool zuLang = a.laufzeitMs - start_.laufzeitMs >= 600000 || zuEnde;

@@ -124,20 +124,6 @@ TEST_F(Ende, AsksForTheEntryLastAndKeepsEverythingUntilItIsAnswered) {
     EXPECT_FALSE(eintrag() || fenster->geladen || !ports.symbol.symbole.empty());
 }
 
-// Of the session, also during the question; and for another user.
-TEST_F(Ende, WithoutAQuestion) {
-    ports.meldungen.imKasten = [&](const Kasten&) { anwendung->beenden(); };
-    ports.meldungen.antworten = {Antwort::Nein};
-    form().mnuBeenden_Click();
-    EXPECT_FALSE(fenster->geladen);
-    fragen();
-    starte("/m /DIFFERENTUSER");
-    ereignisse();
-    form().mnuBeenden_Click();
-    EXPECT_THAT(fragen(), testing::ElementsAre());
-    EXPECT_FALSE(eintrag() || fenster->geladen);
-}
-
 // Its box must not keep the start from its end.
 TEST_F(Ende, AnEntryThatCannotBeWrittenIsToldWhileTheProgramRuns) {
     ports.registrierung.werte.clear();

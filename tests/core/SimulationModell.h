@@ -120,6 +120,18 @@ class Terminmodell {
         }
     }
 
+    // Others have given it a moment that lies ahead; the program makes it active. By a text that many share it
+    // can't tell which one that was, and takes it for another.
+    void verschoben(int id, Datum moment, Datum jetzt) {
+        Eintrag neu = *mitId(id);
+        neu.moment = moment, neu.ungespeichertSeit = jetzt;
+        if (!neu.text.empty() && neu.text != kWeckertext) {
+            *mitId(id) = neu;
+        } else {
+            weg(id), dazu(neu);
+        }
+    }
+
     // While an entry of this moment and text counts as shown, a new one gives way.
     Eintrag ausgewichen(Eintrag e) const {
         while (gezeigt_.contains({e.moment, e.text}))
@@ -181,11 +193,13 @@ class Terminmodell {
         }
     }
 
-    // Loading leaves out alarms that are over, unless the clock was set back.
+    // Loading leaves out alarms that are over, unless the clock was set back or the file still has them as
+    // active.
     void geladen(Datum jetzt) {
         std::erase_if(eintraege, [&](const Eintrag& e) {
             const bool bekannt = e.gefeuertFuer == e.moment;
-            return !e.aktiv && e.text == kWeckertext && e.moment.plusSekunden(bekannt ? 4 * kTag : 0) < jetzt;
+            return !e.aktiv && !e.vielleichtNichtGefeuert && e.text == kWeckertext &&
+                   e.moment.plusSekunden(bekannt ? 4 * kTag : 0) < jetzt;
         });
         nachholen(jetzt);
     }

@@ -390,8 +390,8 @@ class Welt {
                 t.aktiv = e->aktiv = !t.aktiv;
             } else if (ruhig && eindeutig) {
                 // Ahead; the program makes it active.
-                t.weckZeit = e->moment = jetzt().plusSekunden(zahl(3600, 90000));
-                e->ungespeichertSeit = jetzt();
+                t.weckZeit = jetzt().plusSekunden(zahl(3600, 90000));
+                modell_.verschoben(e->id, t.weckZeit, jetzt());
                 ++anzahl["moved by others"];
             }
             return false;

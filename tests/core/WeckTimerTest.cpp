@@ -134,6 +134,21 @@ TEST_F(WeckTimer, MissedRemindersAreOwedUntilTheRemindersWereRead) {
     EXPECT_EQ(kaesten(), 4u);
 }
 
+// The machine sleeps while the box stands, and somebody else marks a broadcast.
+TEST_F(WeckTimer, DeclinedBoxDoesNotHideWhatIsFoundOutdatedAfterIt) {
+    starte();
+    sperre();
+    ports.meldungen.imKasten = [&](const auto&) {
+        tatortUm(um(20, 10));
+        ports.uhr.vor(1200);
+        tvDaten.gesperrt = false;
+    };
+    anwendung->DoThis("terminupdate");
+    sekunde();
+    EXPECT_EQ(hinweis->text, kTatort);
+    EXPECT_EQ(kaesten(), 2u);
+}
+
 TEST_F(WeckTimer, SettingsFileThatWasLostAndMadeAnewIsNoDeletion) {
     const GespeicherterTermin bad{um(22, 0), "Bad", 0, true};
     setzeTermine({{um(20, 1), "Tee", 0, true}, bad});
