@@ -1,4 +1,4 @@
-// The windows that accompany recordings and failures, over their real forms: what is to be seen of them, the
+// The windows that accompany recordings and failures, and their forms: what they say and for how long, the
 // wires from their controls, their sizes.
 
 #include <gtest/gtest.h>
@@ -41,6 +41,7 @@ class SysFehlerFensterTest : public testing::Test {
 
 TEST_F(SysFehlerFensterTest, WaitsUnfoldsAndAnswers) {
     QTimer::singleShot(0, [&] {
+        EXPECT_EQ(kind<QLabel>(fenster, "LabelText").text(), "Text");
         EXPECT_TRUE(gesperrt == 1 && fenster.isModal() && fenster.windowTitle() == "Titel");
         EXPECT_TRUE(links("cmdWiederholen") < links("cmdDetails") && links("cmdDetails") < links("cmdOK"));
         EXPECT_TRUE(links("PictureAnimation") < links("LabelText"));
@@ -60,10 +61,14 @@ TEST_F(SysFehlerFensterTest, WaitsUnfoldsAndAnswers) {
     for (int i = 0; i < 100; ++i)
         lang += "Zeile\r\n";
     const SysFehler fehler{
-        .Fehlertext = "Text", .DetailText = lang, .FensterCaption = "Titel", .ButtonWiederholen = true};
+        .Fehlertext = " Text ", .DetailText = lang, .FensterCaption = " Titel ", .ButtonWiederholen = true};
     EXPECT_EQ(form.ShowFehler(fehler), SysFehlerErgebnis::Wiederholen);
-    QTimer::singleShot(0, [&] { QTest::keyClick(&fenster, Qt::Key_Escape); });
-    EXPECT_EQ(form.ShowFehler(fehler), SysFehlerErgebnis::Ok);
+    const std::function<void()> wege[] = {[&] { QTest::keyClick(&fenster, Qt::Key_Escape); },
+                                          [&] { knopf("cmdOK").click(); }, [&] { fenster.close(); }};
+    for (const auto& weg : wege) {
+        QTimer::singleShot(0, weg);
+        EXPECT_EQ(form.ShowFehler(fehler), SysFehlerErgebnis::Ok);
+    }
     EXPECT_TRUE(gesperrt == 0 && !fenster.isVisible());
 }
 
@@ -104,14 +109,23 @@ TEST(AufzeichnungsHinweisFensterTest, GrowsWithItsTextAndIsReadByAnyKeyOfTheSort
     FormAufzeichnungsHinweis form(system, fenster);
     fenster.setzeForm(form);
     form.zeigen("");
+    const std::string text =
+        "In einer Minute startet die Aufzeichnung einer Sendung mit den Kestrin Pirrow. Bitte achten Sie "
+        "darauf, dass keine anderen Programme Ihre TV-Karte verwenden, oder den Computer auslasten. "
+        "Dieser Hinweis wird automatisch zu Beginn der Aufzeichnung ausgeblendet.";
+    auto& label = kind<QLabel>(fenster, "Label");
+    EXPECT_EQ(label.text().toStdString(), text);
+    EXPECT_EQ(system.vordergrund, fenster.hwnd());
     const int hoehe = fenster.height();
+    const std::string konflikt =
+        "\"Süßer Schnee\" (ZDF, 20:15 bis 22:00) überschneidet sich mit \"Das Übermorgen-Magazin\".";
     const std::function<void()> wege[] = {[&] { kind<QPushButton>(fenster, "cmdOK").click(); },
                                           [&] { QTest::keyClick(&fenster, Qt::Key_Escape); },
                                           [&] { QTest::keyClick(&fenster, Qt::Key_Return); },
                                           [&] { fenster.close(); }};
     for (const auto& weg : wege) {
-        form.zeigen(
-            "\"Süßer Schnee\" (ZDF, 20:15 bis 22:00) überschneidet sich mit \"Das Übermorgen-Magazin\".");
+        form.zeigen(konflikt);
+        EXPECT_EQ(label.text().toStdString(), text + "\n\n" + konflikt);
         EXPECT_TRUE(fenster.isVisible() && fenster.height() > hoehe);
         EXPECT_EQ(fenster.focusWidget(), &fenster) << "a key meant for another program presses nothing";
         weg();
@@ -119,30 +133,42 @@ TEST(AufzeichnungsHinweisFensterTest, GrowsWithItsTextAndIsReadByAnyKeyOfTheSort
     }
 }
 
-TEST(AufzeichnungsskriptFensterTest, ShowsTheStepAndTheWholeOfThoseBefore) {
+TEST(AufzeichnungsskriptFensterTest, ShowsTheStepAndTheWholeOfTheTwentyBeforeUntilItIsClosed) {
     FakeUhr uhr;
     FormAufzeichnungsskriptFenster fenster;
     FormAufzeichnungsskript form(uhr, fenster);
     fenster.setzeForm(form);
+    auto& label = kind<QPushButton>(fenster, "LabelAktuelleAktion");
+    form.ShowDebugInfoAddOk();
+    EXPECT_TRUE(label.accessibleName() == " ..Ok" && !fenster.isVisible()) << "of no step";
+    for (int i = 1; i < 6; ++i)
+        form.ShowDebugInfo("Schritt " + std::to_string(i));
     const std::string lang = "Starte \"tv\" && " + std::string(300, 'x');
     form.ShowDebugInfo(lang);
     const QRect frei = fenster.screen()->availableGeometry();
     EXPECT_TRUE(frei.contains(fenster.geometry()) && fenster.width() < 500);
     EXPECT_LT((frei.bottomRight() - fenster.geometry().bottomRight()).manhattanLength(), 40) << "lower right";
-    form.ShowDebugInfo("Warte");
-    auto& label = kind<QPushButton>(fenster, "LabelAktuelleAktion");
-    EXPECT_EQ(label.accessibleName(), "Warte");
+    for (int i = 7; i < 26; ++i)
+        form.ShowDebugInfo("Schritt " + std::to_string(i));
+    const auto vorher = uhr.laufzeitMs();
+    form.ShowDebugInfoAddOk();
+    EXPECT_EQ(uhr.laufzeitMs() - vorher, 200);
+    EXPECT_EQ(label.accessibleName(), "Schritt 25 ..Ok");
     EXPECT_EQ(label.toolTip(),
               "Zeigt aktuelle Steuerung der verknüpften TV-Anwendung an. Klicken für mehr Informationen.");
     label.click();
     auto& menue = kind<QMenu>(fenster, "mnuPopupVerlauf");
-    ASSERT_TRUE(menue.isVisible() && menue.actions().size() == 4);
+    ASSERT_TRUE(menue.isVisible() && menue.actions().size() == 22);
     EXPECT_EQ(menue.actions()[0]->toolTip(), QString::fromStdString(lang));
     EXPECT_LT(menue.width(), frei.width());
-    EXPECT_EQ(menue.actions()[1]->text(), "Warte");
-    EXPECT_TRUE(menue.actions()[2]->isSeparator());
-    menue.actions()[3]->trigger();
+    EXPECT_EQ(menue.actions()[1]->text() + menue.actions()[19]->text(), "Schritt 7Schritt 25 ..Ok");
+    EXPECT_TRUE(menue.actions()[20]->isSeparator());
+    menue.actions()[21]->trigger();
+    form.ShowDebugInfo("of the same recording");
     EXPECT_FALSE(fenster.isVisible() || menue.isVisible());
+    form.schliessen();
+    form.ShowDebugInfo("of the next one");
+    EXPECT_TRUE(fenster.isVisible() && form.verlauf().size() == 20u);
 }
 
 TEST(AufzeichnungsverlaufFensterTest, ShowsTheRowsAndTheWholeOfTheChosenOne) {
@@ -153,20 +179,31 @@ TEST(AufzeichnungsverlaufFensterTest, ShowsTheRowsAndTheWholeOfTheChosenOne) {
     FormAufzeichnungsverlaufFenster fenster(liste);
     FormAufzeichnungsverlauf form(protokoll, fenster);
     fenster.setzeForm(form);
+    const std::string grund = "fehlgeschlagen in Zeile 3: " + std::string(100, 'x');
+    int tag = 23;
+    const auto trageEin = [&](const char* sender, const char* titel, const std::string& ergebnis) {
+        EXPECT_TRUE(protokoll.eintragen({DateSerial(2012, 12, ++tag), sender, titel, ergebnis}));
+        form.auffrischen();
+    };
+    trageEin("ZDF", "Schnee", "aufgezeichnet");
+    auto& reihen = kind<QTreeView>(fenster, "ListViewAufzeichnungen");
+    EXPECT_EQ(reihen.model()->rowCount(), 0) << "not open";
     form.oeffnen();
     EXPECT_TRUE(fenster.isVisible());
-    const std::string grund = "fehlgeschlagen in Zeile 3: " + std::string(100, 'x');
-    ASSERT_TRUE(protokoll.eintragen({DateSerial(2012, 12, 24), "ZDF", "Schnee", "aufgezeichnet"}));
-    ASSERT_TRUE(protokoll.eintragen({DateSerial(2012, 12, 25), "ARD", "Magazin", grund}));
-    form.auffrischen();
-    auto& reihen = kind<QTreeView>(fenster, "ListViewAufzeichnungen");
+    trageEin("3sat", "Kurz", "aufgezeichnet; keine wachsende Datei im Aufzeichnungsordner");
+    trageEin("3sat", "Lang", "aufgezeichnet, 3 min verspätet begonnen; Wecken vom System nicht erlaubt");
+    trageEin("ARD", "Magazin", grund);
+    const auto bild = [&](int zeile) {
+        return reihen.model()->index(zeile, 0).data(Qt::DecorationRole).value<QIcon>().pixmap(16).toImage();
+    };
+    EXPECT_TRUE(bild(3) == bild(1) && bild(1) != bild(0) && bild(0) == bild(2)) << "came about or not";
     QStringList texte;
     for (int spalte = 0; spalte < 4; ++spalte)
         texte << reihen.model()->headerData(spalte, Qt::Horizontal).toString() + "=" +
-                     reihen.model()->index(1, spalte).data().toString();
+                     reihen.model()->index(3, spalte).data().toString();
     EXPECT_EQ(texte.join("|"), "Zeit=24.12.2012 00:00|Sender=ZDF|Sendung=Schnee|Ergebnis=aufgezeichnet");
     EXPECT_EQ(kind<QLabel>(fenster, "LabelErgebnis").text(), QString::fromStdString("Magazin: " + grund));
-    QTest::keyClick(&reihen, Qt::Key_Down);
+    QTest::keyClick(&reihen, Qt::Key_End);
     EXPECT_EQ(kind<QLabel>(fenster, "LabelErgebnis").text(), "Schnee: aufgezeichnet");
     QTest::keyClick(&reihen, Qt::Key_Escape);
     EXPECT_FALSE(fenster.isVisible() || form.offen());

@@ -7,7 +7,6 @@
 #include <QImage>
 #include <QMenu>
 #include <QScreen>
-#include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
@@ -89,17 +88,6 @@ class BrannikMenueTest : public Menueprobe {
     Desktopmenues desktop{""};
     Menuekontext echt{desktop, aktionen, geladene, sender, markierungen};
 };
-
-TEST_F(BrannikMenueTest, TheWindowIsWhereTheFormHasPutItAndActive) {
-    const FormBrannikMenue& menue = oeffne();
-    const QWidget& f = fenster(menue);
-    EXPECT_EQ(f.objectName(), "FormBrannikMenue");
-    EXPECT_EQ(f.geometry(), Menuemaler::qtRechteck(menue.fenster()));
-    EXPECT_EQ(f.frameGeometry().bottomRight() + QPoint(1, 1), QPoint(700, 590));
-    const QRect panel = kind<QWidget>(f, "PictureTagestipp").geometry(), rows = flaeche(menue).geometry();
-    EXPECT_EQ(panel, QRect(1, 1, f.width() - 2, kTippHoehe));
-    EXPECT_EQ(rows, QRect(1, 1 + kTippHoehe, f.width() - 2, f.height() - kTippHoehe - 2));
-}
 
 // Rows, columns, icons, arrows and highlight; the gaps between columns stay empty whatever the titles are.
 TEST_F(BrannikMenueTest, PaintsEveryColumnInItsPlaceAtEveryScaleAndInBothThemes) {
@@ -193,23 +181,6 @@ TEST_F(BrannikMenueTest, RestingOnAHeadOpensItAndTheTimersRunOnlyWhileShown) {
         for (const char* name : {"TimerEinblendung", "TimerUnload"})
             EXPECT_FALSE(kind<QTimer>(fenster(*form), name).isActive()) << name;
     }
-}
-
-TEST_F(BrannikMenueTest, AnotherActiveWindowClosesTheMenuButItsContextMenuDoesNot) {
-    aktionen.kannTV = true;
-    FormBrannikMenue& menue = oeffne();
-    klicke(menue, 4, Qt::RightButton);
-    QMenu& kontextmenue = kind<QMenu>(fenster(menue), "MenueMenue");
-    EXPECT_TRUE(kontextmenue.isVisible() && menue.MenueMenueOffen());
-    QWidget anderes;
-    anderes.show(), anderes.activateWindow();
-    QTimer& waechter = kind<QTimer>(fenster(menue), "TimerUnload");
-    QSignalSpy ticks(&waechter, &QTimer::timeout);
-    ASSERT_TRUE(warte([&] { return ticks.size() > 2; }));
-    EXPECT_TRUE(menue.Visible());
-    kontextmenue.close();
-    EXPECT_FALSE(menue.MenueMenueOffen());
-    EXPECT_TRUE(warte([&] { return !menue.Visible(); }));
 }
 
 TEST_F(BrannikMenueTest, KeysReachTheForm) {

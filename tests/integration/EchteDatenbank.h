@@ -82,8 +82,10 @@ class EchteDatenbank : public testing::Test {
     jet::JetDatenbankmaschinen maschinen{fakes.uhr, [](const std::string& pfad) { return pfad; }};
     Prozesswerte werte;
     Einstellungen einstellungen{dateien, ordner};
-    Ports ports{fakes.uhr,     dateien,          fakes.meldungen, fakes.fenster, fakes.klang, fakes.prozesse,
-                fakes.starter, fakes.automation, fakes.symbol,    fakes.rechner, maschinen};
+    Ports ports{fakes.uhr,    dateien,        fakes.meldungen, fakes.fenster,
+                fakes.klang,  fakes.prozesse, fakes.starter,   fakes.automation,
+                fakes.symbol, fakes.rechner,  maschinen,       fakes.fernsteuerung,
+                fakes.energie};
     ModulDatenbankzugriff zugriff{ports, einstellungen, werte};
     std::unique_ptr<Datenbank> db;
 };

@@ -3,17 +3,15 @@
 #include "tvdb/Markierungspflege.h"
 
 #include <gmock/gmock.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <chrono>
-#include <csignal>
 #include <fstream>
 #include <random>
 
 #include "core/Programm.h"
 #include "integration/EchteDatenbank.h"
+#include "support/Kindprozess.h"
 #include "tvdb/cSendung.h"
 
 namespace wendel {
@@ -102,14 +100,10 @@ TEST_F(Pflege, KilledRunIsMadeUpForByTheNext) {
     const auto erwartet = zustand();
     for (int lauf = 0; lauf < 10; ++lauf) {
         std::ofstream(werte.datenbankdatei, std::ios::binary) << original;
-        const pid_t kind = ::fork();
-        if (kind == 0) {
-            pflege();
-            ::_exit(0);
+        {
+            const Kind getoetet([&](int) { pflege(); });
+            ::usleep(static_cast<useconds_t>(zufall() % static_cast<unsigned>(dauer)));
         }
-        ::usleep(static_cast<useconds_t>(zufall() % static_cast<unsigned>(dauer)));
-        ::kill(kind, SIGKILL);
-        ::waitpid(kind, nullptr, 0);
         pflege();
         EXPECT_EQ(zustand(), erwartet) << lauf;
     }

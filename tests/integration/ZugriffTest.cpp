@@ -6,7 +6,6 @@
 
 #include "integration/EchteDatenbank.h"
 #include "jet/storage/Schema.h"
-#include "support/Fehlernummer.h"
 
 namespace wendel {
 namespace {
@@ -15,11 +14,6 @@ using testing::ElementsAre;
 using Kasten = FakeMeldungen::Kasten;
 
 const char* const kAendern = "Update Markierungen Set KzAusblenden=true Where ID=3";
-const Kasten kKollision{
-    "Eine andere Funktion verhindert gerade die Datenfreigabe aufgrund eines längeres Zugriffs.\r\n"
-    "Bitte warten Sie einen Augenblick und klicken Sie dann auf [Wiederholen].",
-    65589, "Datenzugriffskollision"};
-
 class Zugriff : public EchteDatenbank {
   protected:
     void SetUp() override {
@@ -48,16 +42,6 @@ TEST_F(Zugriff, ShortConflictPassesInSilence) {
     EXPECT_THAT(fakes.uhr.schlafdauern, ElementsAre(3500));
     EXPECT_TRUE(fakes.meldungen.gezeigt.empty());
     EXPECT_EQ(protokoll(), std::string("24.12.2012 20:00:00: Fehler3260: 0s: ") + kAendern + "\r\n");
-}
-
-TEST_F(Zugriff, GivenUpConflictKeepsItsNumberAndTheFile) {
-    EXPECT_EQ(fehlernummerVon([&] { zugriff.SafeExecute(db, kAendern); }), 3260);
-    EXPECT_THAT(fakes.meldungen.gezeigt, ElementsAre(kKollision));
-    EXPECT_FALSE(geaendert());
-    fremdes->freigeben();
-    zugriff.SafeExecute(db, kAendern);
-    EXPECT_TRUE(geaendert());
-    EXPECT_EQ(fakes.uhr.schlafdauern.size(), 1u);
 }
 
 TEST_F(Zugriff, NewRecordOutlivesAConflict) {

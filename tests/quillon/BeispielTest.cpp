@@ -53,9 +53,13 @@ TEST_P(Tage, EveryChannelRunsForFourteenDaysWithoutGapOrOverlap) {
     }
 }
 
-TEST_P(Tage, EachDayHasOneTipInTheEvening) {
+TEST_P(Tage, BroadcastsAreCompleteAndOneIsTheTipOfItsEvening) {
+    std::set<std::string> kennungen;
     std::map<Datum, int> tipps;
     for (cSendung& sendung : programm(GetParam()).sendungen) {
+        EXPECT_TRUE(!sendung.Titel.empty() && !sendung.Temp_Beschreibung.empty() &&
+                    sendung.Temp_DetailsGeladen);
+        EXPECT_TRUE(kennungen.insert(sendung.SendungID).second) << sendung.SendungID;
         if (sendung.Bewertung != 4) continue;
         ++tipps[sendung.Datum()];
         EXPECT_EQ(sendung.Uhrzeit(), TimeSerial(20, 15, 0));
@@ -63,16 +67,6 @@ TEST_P(Tage, EachDayHasOneTipInTheEvening) {
     EXPECT_EQ(tipps.size(), 14U);
     EXPECT_THAT(tipps, testing::Each(testing::Pair(testing::_, 1)));
     EXPECT_EQ(tipps.begin()->first, DateAdd(Einheit::Tag, -1, GetParam().datumsteil()));
-}
-
-TEST_P(Tage, BroadcastsAreCompleteAndHaveTheirOwnNumbers) {
-    std::set<std::string> kennungen;
-    for (const cSendung& sendung : programm(GetParam()).sendungen) {
-        EXPECT_NE(sendung.Titel, "");
-        EXPECT_NE(sendung.Temp_Beschreibung, "");
-        EXPECT_TRUE(sendung.Temp_DetailsGeladen);
-        EXPECT_TRUE(kennungen.insert(sendung.SendungID).second) << sendung.SendungID;
-    }
 }
 
 TEST(Beispiel, TheSameDayIsTheSameWhenTheGuideIsMadeLater) {

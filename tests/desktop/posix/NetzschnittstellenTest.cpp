@@ -29,7 +29,6 @@ TEST(DefaultRoute, IsTheFirstThatIsUp) {
         std::string route, ipv6Route, schnittstelle;
     } faelle[] = {
         {"none", kopf + netz, "", ""},
-        {"no files", "", "", ""},
         {"IPv4", kopf + netz + "wlan0\t00000000\t010011AC\t0003\t0\t0\t600\t00000000\t0\t0\t0\n", "",
          "wlan0"},
         {"half of the world is no default", kopf + "tun0\t00000000\t0\t0003\t0\t0\t0\t00000080\t0\t0\t0\n",

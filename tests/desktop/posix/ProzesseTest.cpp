@@ -1,7 +1,9 @@
-// The process list and the ending of processes, on real ones: copies of a program under names of our own.
+// The process list, the ending of processes, and the lock of the running copy, on real processes: copies of a
+// program under names of our own.
 
 #include <map>
 
+#include "desktop/Einzelinstanz.h"
 #include "desktop/LinuxProzesse.h"
 #include "desktop/posix/Werkzeug.h"
 
@@ -30,9 +32,7 @@ struct ProzesseTest : testing::Test {
     // A process that does not listen to SIGTERM.
     static void stur(int fertig) {
         ::signal(SIGTERM, SIG_IGN);
-        [[maybe_unused]] const ssize_t n = ::write(fertig, "x", 1);
-        while (true)
-            ::pause();
+        Kind::bleibe(fertig);
     }
     std::map<std::uint32_t, std::string> alle() {
         std::map<std::uint32_t, std::string> pfade;
@@ -89,12 +89,36 @@ TEST_F(ProzesseTest, OnlyOwnProcessesAreEndedAndNeverThisOne) {
     for (const std::uint32_t id : {static_cast<std::uint32_t>(::getpid()), 0u, 1u, 0xFFFFFFFFu})
         EXPECT_FALSE(prozesse.beenden(id)) << id;
     if (::geteuid() != 0) GTEST_SKIP() << "another user's process needs root";
-    Kind fremder([](int fertig) {
-        [[maybe_unused]] const ssize_t n = ::write(fertig, ::setuid(65534) == 0 ? "x" : "", 1);
-        ::pause();
-    });
+    Kind fremder([](int fertig) { Kind::bleibe(fertig, ::setuid(65534) == 0 ? 'x' : '-'); });
     ASSERT_EQ('x', fremder.lies());
     EXPECT_FALSE(prozesse.beenden(fremder.id()));
+}
+
+// One running copy: the lock goes with its process, however that ends.
+using Ergebnis = Einzelinstanz::Ergebnis;
+
+TEST(Einzelinstanz, IsHeldUntilTheFirstProcessIsKilled) {
+    const TempOrdner temp;
+    const std::string sperre = temp / "neu/wendel.lock";
+    Kind erste([&](int fertig) {
+        Einzelinstanz instanz(sperre);
+        Kind::bleibe(fertig, instanz.ergebnis() == Ergebnis::Erste ? '1' : '2');
+    });
+    ASSERT_EQ('1', erste.lies());
+    Einzelinstanz zweite(sperre);
+    EXPECT_EQ(Ergebnis::Zweite, zweite.ergebnis());
+    erste.toete(SIGKILL);
+    erste.warte();
+    EXPECT_EQ(Ergebnis::Erste, Einzelinstanz(sperre).ergebnis());
+    EXPECT_EQ(Ergebnis::NichtPruefbar, Einzelinstanz(temp.datei("datei", "") + "/wendel.lock").ergebnis());
+}
+
+TEST(Einzelinstanz, LockFileIsInTheRuntimeFolderElseInTheConfiguration) {
+    const TempOrdner temp;
+    const Variable config("XDG_CONFIG_HOME", temp / "config"), laufzeit("XDG_RUNTIME_DIR", temp.pfad());
+    EXPECT_EQ(temp / "wendel.lock", sperrdateipfad());
+    const Variable fehlt("XDG_RUNTIME_DIR", temp / "fehlt");
+    EXPECT_EQ(temp / "config/wendel/wendel.lock", sperrdateipfad());
 }
 
 }  // namespace

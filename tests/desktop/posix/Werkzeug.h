@@ -1,13 +1,10 @@
 #pragma once
 // What the tests of the system adapters share: a temporary folder, environment variables that are put back,
-// waiting for a condition, and processes that end with the test.
+// and waiting for a condition.
 
 #include <gtest/gtest.h>
-#include <signal.h>
 #include <stdlib.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <chrono>
 #include <filesystem>
@@ -20,6 +17,7 @@
 #include <thread>
 
 #include "desktop/Pfade.h"
+#include "support/Kindprozess.h"
 
 namespace wendel {
 
@@ -90,54 +88,6 @@ inline bool warteBis(const std::function<bool()>& bedingung) {
         std::this_thread::sleep_for(std::chrono::milliseconds(5));
     }
     return true;
-}
-
-// A child process that runs a function; it is killed and reaped with this object. The function may write to
-// the descriptor, which lies() reads.
-class Kind {
-  public:
-    explicit Kind(const std::function<void(int)>& funktion) {
-        EXPECT_EQ(0, ::pipe(antwort_));
-        pid_ = ::fork();
-        if (pid_ == 0) {
-            funktion(antwort_[1]);
-            ::_exit(0);
-        }
-        ::close(antwort_[1]);
-    }
-    ~Kind() {
-        toete(SIGKILL);
-        warte();
-        ::close(antwort_[0]);
-    }
-    Kind(const Kind&) = delete;
-
-    std::uint32_t id() const { return static_cast<std::uint32_t>(pid_); }
-    void toete(int signal) const {
-        if (!status_) ::kill(pid_, signal);
-    }
-    // Its status for waitpid's macros.
-    int warte() {
-        int status = 0;
-        if (!status_ && ::waitpid(pid_, &status, 0) == pid_) status_ = status;
-        return status_.value_or(0);
-    }
-    // One byte from the child: blocks until it has got that far.
-    char lies() const {
-        char zeichen = 0;
-        return ::read(antwort_[0], &zeichen, 1) == 1 ? zeichen : '\0';
-    }
-
-  private:
-    pid_t pid_ = -1;
-    int antwort_[2]{};
-    std::optional<int> status_;
-};
-
-// What the function returns in a process without root's rights: nobody's for root, ours otherwise.
-inline int ohneRootrechte(const std::function<int()>& funktion) {
-    Kind kind([&](int) { ::_exit(::geteuid() == 0 && ::setuid(65534) != 0 ? 99 : funktion()); });
-    return WEXITSTATUS(kind.warte());
 }
 
 }  // namespace wendel

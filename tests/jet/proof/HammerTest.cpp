@@ -4,20 +4,17 @@
 #include <gtest/gtest.h>
 
 #include <sys/mman.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
-#include <array>
 #include <atomic>
 #include <chrono>
-#include <csignal>
+#include <deque>
 #include <functional>
 #include <iostream>
-#include <thread>
 
 #include "jet/proof/Proof.h"
 #include "jet/storage/Schema.h"
 #include "platform/Fehler.h"
+#include "support/Kindprozess.h"
 
 namespace wendel::jet::proof {
 namespace {
@@ -111,35 +108,28 @@ TEST(TwoProcesses, LoseNothingAndSeeWholeStatements) {
     auto* counts = static_cast<Counts*>(
         ::mmap(nullptr, sizeof(Counts), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0));
     ASSERT_NE(counts, MAP_FAILED);
-    const auto end = Clock::now() + std::chrono::seconds(setting("WENDEL_HAMMER_SECONDS", 3));
-    std::array<pid_t, 3> children{};  // two that write and read, one that only reads
-    for (std::size_t who = 0; who < children.size(); ++who) {
-        if ((children[who] = ::fork()) != 0) continue;
-        try {
-            Engine engine;
-            auto database = engine.open(copy.path());
-            for (int n = 1; Clock::now() < end; ++n) {
-                if (who != 2) write(*database, *counts, static_cast<int>(who), n);
-                persistent(*counts, [&] { read(*database, *counts); });
-                if (n % 40 == 0) persistent(*counts, [&] { database = engine.open(copy.path()); });
+    const int seconds = setting("WENDEL_HAMMER_SECONDS", 3);
+    const auto end = Clock::now() + std::chrono::seconds(seconds);
+    std::deque<Kind> children;
+    for (int who = 0; who < 3; ++who) {  // two that write and read, one that only reads
+        children.emplace_back([&, who](int) {
+            ::alarm(static_cast<unsigned>(seconds + 30));  // the end of one that waits for ever
+            try {
+                Engine engine;
+                auto database = engine.open(copy.path());
+                for (int n = 1; Clock::now() < end; ++n) {
+                    if (who != 2) write(*database, *counts, who, n);
+                    persistent(*counts, [&] { read(*database, *counts); });
+                    if (n % 40 == 0) persistent(*counts, [&] { database = engine.open(copy.path()); });
+                }
+            } catch (const std::exception& failure) {
+                std::cerr << failure.what() << std::endl;
+                ::_exit(2);
             }
-        } catch (const std::exception& failure) {
-            std::cerr << failure.what() << std::endl;
-            ::_exit(2);
-        }
-        ::_exit(0);
+        });
     }
-    for (const pid_t child : children) {
-        int status = 0;
-        while (::waitpid(child, &status, WNOHANG) == 0) {
-            if (Clock::now() > end + std::chrono::seconds(30)) {
-                ADD_FAILURE() << "a process waits for ever";
-                ::kill(child, SIGKILL);
-            }
-            std::this_thread::sleep_for(std::chrono::milliseconds(20));
-        }
-        EXPECT_EQ(status, 0);
-    }
+    for (Kind& child : children)
+        EXPECT_EQ(child.warte(), 0);
     std::cout << counts->increments << " updates of all rows, " << counts->transfers << " of two, "
               << counts->rows << " rows added, " << counts->reads << " reads, " << counts->torn << " torn, "
               << counts->locked << " lock errors, " << counts->otherErrors << " others\n";

@@ -5,12 +5,9 @@
 #include <gtest/gtest.h>
 
 #include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <chrono>
-#include <csignal>
 #include <filesystem>
 #include <iostream>
 #include <map>
@@ -21,6 +18,7 @@
 #include "jet/storage/Schema.h"
 #include "jet/storage/Table.h"
 #include "platform/Fehler.h"
+#include "support/Kindprozess.h"
 
 namespace wendel::jet::proof {
 namespace {
@@ -142,22 +140,13 @@ class Worker {
     std::unique_ptr<Recordset> added_;
 };
 
-// Runs statements in a process of its own; one byte for each: '+' done, '-' refused for want of space.
-class Child {
-  public:
-    template <class Before>
-    Child(const std::string& path, int first, int statements, const Before& before) {
-        int ends[2];
-        if (::pipe(ends) != 0 || (pid_ = ::fork()) < 0) throw std::runtime_error("no child");
-        if (pid_ != 0) {
-            ::close(ends[1]);
-            reports_ = ends[0];
-            return;
-        }
-        before();
+// What a process of its own does: runs statements, and writes one byte for each: '+' done, '-' refused for
+// want of space.
+std::function<void(int)> statements(const std::string& path, int first, int count) {
+    return [=](int reports) {
         try {
             Worker worker(path);
-            for (int n = first; n < first + statements; ++n) {
+            for (int n = first; n < first + count; ++n) {
                 char report = '+';
                 try {
                     worker.run(n);
@@ -165,37 +154,14 @@ class Child {
                     if (failure.nummer() != 3026) throw;
                     report = '-';
                 }
-                if (::write(ends[1], &report, 1) != 1) ::_exit(3);
+                if (::write(reports, &report, 1) != 1) ::_exit(3);
             }
         } catch (const std::exception& failure) {
             std::cerr << "child: " << failure.what() << std::endl;
             ::_exit(2);
         }
-        ::_exit(0);
-    }
-    ~Child() { ::close(reports_); }
-
-    void kill() const { ::kill(pid_, SIGKILL); }
-    int wait() const {
-        int status = 0;
-        ::waitpid(pid_, &status, 0);
-        return status;
-    }
-    // What has been reported; waits for the first byte alone, or until the pipe is closed.
-    std::string reports(bool firstOnly) const {
-        std::string all;
-        char buffer[4096];
-        for (ssize_t n; (n = ::read(reports_, buffer, firstOnly ? 1 : sizeof buffer)) > 0;) {
-            all.append(buffer, static_cast<std::size_t>(n));
-            if (firstOnly) break;
-        }
-        return all;
-    }
-
-  private:
-    pid_t pid_ = 0;
-    int reports_ = -1;
-};
+    };
+}
 
 // The statements from n on that were reported as done; then the file must show this state or, with one more
 // statement, the next one. Leaves the guide as it is found and n behind both.
@@ -228,18 +194,18 @@ TEST(KilledWriters, LeaveWholeStatements) {
         worker.run(next);
         apply(next, guide);
     }
-    std::size_t statements = 0;
+    std::size_t reported = 0;
     int done = 0, lastDone = 0, journals = 0;
     for (; done < kills && !testing::Test::HasFailure(); ++done) {
-        const Child child(copy.path(), next, 1000000, [] {});
+        Kind child(statements(copy.path(), next, 1000000));
         // Without the wait, many die while they open the file and bring the journal into it.
-        std::string reports = oneIn(random, 3) ? "" : child.reports(true);
+        std::string reports = oneIn(random, 3) ? "" : std::string(1, child.lies());
         std::this_thread::sleep_for(
             std::chrono::microseconds(below(random, oneIn(random, 3) ? 100000 : 20000)));
-        child.kill();
-        EXPECT_TRUE(WIFSIGNALED(child.wait())) << "the child ended by itself";
-        reports += child.reports(false);
-        statements += reports.size();
+        child.toete(SIGKILL);
+        EXPECT_TRUE(WIFSIGNALED(child.warte())) << "the child ended by itself";
+        reports += child.rest();
+        reported += reports.size();
         const std::string journal = copy.path() + "-journal";
         journals += std::filesystem::exists(journal) && std::filesystem::file_size(journal) > 100 ? 1 : 0;
         SCOPED_TRACE("kill " + std::to_string(done));
@@ -249,7 +215,7 @@ TEST(KilledWriters, LeaveWholeStatements) {
             .open(copy.path())
             ->execute("Delete from Sendungen Where Nr=-1", kFailOnError);  // no lock is left
     }
-    std::cout << done << " kills, " << statements << " statements reported, " << lastDone
+    std::cout << done << " kills, " << reported << " statements reported, " << lastDone
               << " times the running one was done, " << journals << " times with a journal to replay\n";
     if (haveMdbtools()) {
         EXPECT_EQ(exported(copy.path(), "Sendungen").size(), guide.size());
@@ -267,13 +233,14 @@ TEST(FullDisk, LeavesWholeStatements) {
     for (int n = 0; n < setting("WENDEL_FULL", 25) && !testing::Test::HasFailure(); ++n) {
         SCOPED_TRACE("run " + std::to_string(n));
         const std::size_t room = below(random, oneIn(random, 2) ? 60000 : 1500000);
-        const Child child(copy.path(), next, 60, [room] {
-            std::signal(SIGXFSZ, SIG_IGN);  // writing beyond the limit is an error then
+        Kind child([&](int pipe) {
+            ::signal(SIGXFSZ, SIG_IGN);  // writing beyond the limit is an error then
             const rlimit limit{room, room};
             ::setrlimit(RLIMIT_FSIZE, &limit);
+            statements(copy.path(), next, 60)(pipe);
         });
-        const std::string reports = child.reports(false);
-        EXPECT_EQ(child.wait(), 0);
+        const std::string reports = child.rest();
+        EXPECT_EQ(child.warte(), 0);
         refused += static_cast<std::size_t>(std::count(reports.begin(), reports.end(), '-'));
         done += static_cast<std::size_t>(std::count(reports.begin(), reports.end(), '+'));
         expectStateBeforeOrAfter(copy.path(), reports, next, guide, halfWay);

@@ -11,9 +11,12 @@
 #include "jet/JetDatenbankmaschinen.h"
 #include "jet/storage/FileCheck.h"
 #include "jet/storage/TestFiles.h"
+#include "jet/storage/WholeFile.h"
 #include "support/Fakes.h"
 
 namespace wendel::jet::proof {
+
+using test::exported;
 
 // A number from the environment for longer runs than a test should take.
 inline int setting(const char* name, int otherwise) {
@@ -27,8 +30,6 @@ std::set<std::string> findings(const std::string& path);
 std::string newFindings(const std::string& path, const std::set<std::string>& before = {});
 
 bool haveMdbtools();
-// The rows of a table as mdb-export shows them, cell by cell.
-std::vector<std::vector<std::string>> exported(const std::string& path, const std::string& table);
 
 // The engine as the programs have it, over native paths.
 class Engine {

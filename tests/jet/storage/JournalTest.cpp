@@ -4,7 +4,6 @@
 #include "jet/storage/Journal.h"
 
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <filesystem>
@@ -19,6 +18,7 @@
 #include "jet/storage/SampleFile.h"
 #include "jet/storage/TestFiles.h"
 #include "support/Fehlernummer.h"
+#include "support/Kindprozess.h"
 
 namespace wendel::jet {
 namespace {
@@ -106,20 +106,16 @@ class JournalTest : public testing::Test {
 
     // Runs in a process of its own that ends without closing anything; returns what it reported last.
     unsigned inChild(const std::function<void(const std::function<void(unsigned)>&)>& work) {
-        int ends[2];
-        if (::pipe(ends) != 0) return 0;
-        const pid_t child = ::fork();
-        if (child == 0) {
-            work([&](unsigned k) { [[maybe_unused]] const auto n = ::write(ends[1], &k, sizeof(k)); });
+        Kind child([&](int reports) {
+            work([&](unsigned k) {
+                const char report = static_cast<char>(k);
+                [[maybe_unused]] const auto n = ::write(reports, &report, 1);
+            });
             ::_exit(1);
-        }
-        ::close(ends[1]);
-        unsigned last = 0;
-        for (unsigned k = 0; ::read(ends[0], &k, sizeof(k)) == ssize_t{sizeof(k)};)
-            last = k;
-        ::close(ends[0]);
-        ::waitpid(child, &status_, 0);
-        return last;
+        });
+        const std::string reported = child.rest();
+        status_ = child.warte();
+        return reported.empty() ? 0 : static_cast<unsigned>(reported.back());
     }
     bool childRanToItsEnd() const { return WIFEXITED(status_) && WEXITSTATUS(status_) == 1; }
 

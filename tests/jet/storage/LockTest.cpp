@@ -3,14 +3,11 @@
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <chrono>
-#include <csignal>
 #include <filesystem>
 #include <fstream>
-#include <functional>
 #include <memory>
 #include <string>
 
@@ -21,6 +18,7 @@
 #include "jet/storage/TestFiles.h"
 #include "platform/Fehler.h"
 #include "support/Fehlernummer.h"
+#include "support/Kindprozess.h"
 
 namespace wendel::jet {
 namespace {
@@ -36,44 +34,6 @@ void write(File& file, std::uint32_t value) {
     storeU32(file.edit(3)->data(), value);
     writing.commit(Durability::kSoon);
 }
-
-// Another process: does its work, says so, and ends when it is told to, or is killed.
-class Neighbour {
-  public:
-    explicit Neighbour(const std::function<void(const std::function<void()>& pause)>& work) {
-        if (::pipe(ready_) != 0 || ::pipe(go_) != 0) throw std::runtime_error("no pipe");
-        child_ = ::fork();
-        if (child_ != 0) {
-            ::close(ready_[1]);
-            char byte;
-            EXPECT_EQ(::read(ready_[0], &byte, 1), 1);
-            return;
-        }
-        ::close(go_[1]);
-        work([this] {
-            char byte = '.';
-            if (::write(ready_[1], &byte, 1) == 1) [[maybe_unused]]
-                const auto n = ::read(go_[0], &byte, 1);
-        });
-        ::_exit(0);
-    }
-    ~Neighbour() { end(); }
-    void kill() {
-        ::kill(child_, SIGKILL);
-        end();
-    }
-    void end() {
-        if (child_ == 0) return;
-        ::close(go_[1]);
-        ::close(go_[0]);
-        ::close(ready_[0]);
-        ::waitpid(std::exchange(child_, 0), nullptr, 0);
-    }
-
-  private:
-    int ready_[2], go_[2];
-    pid_t child_ = 0;
-};
 
 class LockTest : public testing::Test {
   protected:
@@ -92,11 +52,12 @@ class LockTest : public testing::Test {
     }
     // As a killed process leaves it.
     void leaveInJournal(std::uint32_t value) {
-        Neighbour([&](const auto& pause) {
+        const Kind killed([&](int ready) {
             File file = open();
             write(file, value);
-            pause();
-        }).kill();
+            Kind::bleibe(ready);
+        });
+        killed.lies();
     }
     std::size_t entries() const {
         return static_cast<std::size_t>(std::distance(fs::directory_iterator(copy_.folder()), {}));
@@ -118,12 +79,13 @@ TEST_F(LockTest, AWriterWaitsASecondAndNamesTheOther) {
     ::gethostname(computer.data(), computer.size());
     computer = computer.substr(0, std::min<std::size_t>(computer.find('\0'), 31));
     const auto witnessed = witness();
-    Neighbour neighbour([&](const auto& pause) {
+    Kind neighbour([&](int ready) {
         File file = open();
         const File::Writing writing(file);
         storeU32(file.edit(3)->data(), 99);
-        pause();
+        Kind::bleibe(ready);
     });
+    neighbour.lies();
     File file = open();
     const std::function<void()> ways[] = {[&] { write(file, 2); }, [&] { open(File::Opening::kWriting); }};
     for (const auto& way : ways) {
@@ -142,7 +104,8 @@ TEST_F(LockTest, AWriterWaitsASecondAndNamesTheOther) {
         EXPECT_LT(Clock::now() - start, 3s);
     }
     EXPECT_EQ(number(file), 1u);
-    neighbour.kill();  // and with it its lock and its statement
+    neighbour.toete(SIGKILL);  // and with it its lock and its statement
+    neighbour.warte();
     write(file, 2);
     EXPECT_FALSE(file.changed());
     EXPECT_EQ(number(file), 2u);
@@ -215,11 +178,12 @@ TEST_F(LockTest, WhatChangesNothingIsNoChange) {
 }
 
 TEST_F(LockTest, ACheckpointKeepsReadersOutForASecondAtMost) {
-    Neighbour neighbour([&](const auto& pause) {
+    const Kind neighbour([&](int ready) {
         const OpenedFile opened = openFile(path(), true);
         FileLocks(opened.fd).tryExclusive(LockPlace::kReaders);
-        pause();
+        Kind::bleibe(ready);
     });
+    neighbour.lies();
     const auto start = Clock::now();
     EXPECT_EQ(fehlernummerVon([&] { open(); }), 3050);
     EXPECT_GE(Clock::now() - start, 1s);
@@ -276,20 +240,12 @@ TEST_F(LockTest, AReadOnlyFolderIsReadThroughItsJournal) {
     for (const auto& entry : fs::directory_iterator(copy_.folder()))
         fs::permissions(entry, fs::perms(0444));
     fs::permissions(copy_.folder(), fs::perms(0555));
-    int result = 0;
-    const pid_t child = ::fork();
-    if (child == 0) {
-        if (::getuid() == 0 && ::setuid(65534) != 0) ::_exit(1);
-        {
-            File file = open();
-            result = (number(file) == 2 ? 0 : 2) +
-                     (fehlernummerVon([&] { write(file, 3); }) == 3027 ? 0 : 4) +
-                     (fehlernummerVon([&] { open(File::Opening::kWriting); }) == 3027 ? 0 : 8);
-        }
-        ::_exit(result);
-    }
-    ::waitpid(child, &result, 0);
-    EXPECT_EQ(result, 0);
+    EXPECT_EQ(0, ohneRootrechte([&] {
+                  File file = open();
+                  return (number(file) == 2 ? 0 : 2) +
+                         (fehlernummerVon([&] { write(file, 3); }) == 3027 ? 0 : 4) +
+                         (fehlernummerVon([&] { open(File::Opening::kWriting); }) == 3027 ? 0 : 8);
+              }));
     EXPECT_EQ(entries(), 3u);
     fs::permissions(copy_.folder(), fs::perms(0755));
 }

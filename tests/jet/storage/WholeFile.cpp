@@ -7,6 +7,7 @@
 #include "jet/storage/KeyEncoder.h"
 #include "jet/storage/Table.h"
 #include "jet/storage/TestFiles.h"
+#include "platform/Text.h"
 
 namespace wendel::jet::test {
 namespace {
@@ -87,6 +88,18 @@ std::string outputOf(const std::string& command) {
         output.append(buffer, n);
     ::pclose(pipe);
     return output;
+}
+
+std::vector<std::vector<std::string>> exported(const std::string& path, const std::string& table) {
+    const std::string behindCell = "<~|", behindRow = "<~~\n";  // no text has these
+    const std::vector<std::string> rows =
+        Split(outputOf("mdb-export -H -Q -b hex -d '" + behindCell + "' -R '" + behindRow +
+                       "' -T '%Y-%m-%d %H:%M:%S' '" + path + "' '" + table + "'"),
+              behindRow);
+    std::vector<std::vector<std::string>> cells;
+    for (std::size_t i = 0; i + 1 < rows.size(); ++i)
+        cells.push_back(Split(rows[i], behindCell));
+    return cells;
 }
 
 }  // namespace wendel::jet::test

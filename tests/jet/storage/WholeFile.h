@@ -4,6 +4,7 @@
 #include <map>
 #include <set>
 #include <string>
+#include <vector>
 
 #include "jet/storage/Catalog.h"
 #include "jet/storage/TableWriter.h"
@@ -23,5 +24,7 @@ std::set<std::string> checkedIndexes(const std::string& path);
 
 // What the command prints; stderr is dropped.
 std::string outputOf(const std::string& command);
+// The rows of a table as mdb-export shows them, cell by cell.
+std::vector<std::vector<std::string>> exported(const std::string& path, const std::string& table);
 
 }  // namespace wendel::jet::test
