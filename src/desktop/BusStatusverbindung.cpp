@@ -1,10 +1,10 @@
 #include "desktop/BusStatusverbindung.h"
 
 #include <QDBusConnection>
-#include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
+#include <QDBusReply>
 
 #include "desktop/QtText.h"
 
@@ -16,6 +16,15 @@ const QString kDienst = QStringLiteral("Drumlet.TvStatus");
 const QString kPfad = QStringLiteral("/tvstatus");
 const QString kEigenschaften = QStringLiteral("org.freedesktop.DBus.Properties");
 constexpr int kAntwortMs = 5000;
+constexpr int kBusantwortMs = 500;  // the tick waits for it
+
+bool istAngemeldet(const QDBusConnection& bus) {
+    const QString dienst = QStringLiteral("org.freedesktop.DBus");
+    const QDBusMessage frage = QDBusMessage::createMethodCall(dienst, QStringLiteral("/org/freedesktop/DBus"),
+                                                              dienst, QStringLiteral("NameHasOwner"))
+                               << kDienst;
+    return QDBusReply<bool>(bus.call(frage, QDBus::Block, kBusantwortMs)).value();
+}
 
 }  // namespace
 
@@ -23,7 +32,7 @@ BusStatusverbindung::~BusStatusverbindung() { trennen(); }
 
 bool BusStatusverbindung::verbinden(const Empfaenger& empfaenger) {
     QDBusConnection bus = QDBusConnection::sessionBus();
-    if (!bus.isConnected() || !bus.interface()->isServiceRegistered(kDienst)) return false;
+    if (!bus.isConnected() || !istAngemeldet(bus)) return false;
     trennen();
     // Before the question: no change may fall between the answer and the first signal.
     if (!bus.connect(kDienst, kPfad, kEigenschaften, QStringLiteral("PropertiesChanged"), this,

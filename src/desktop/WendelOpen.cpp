@@ -1,6 +1,7 @@
 #include "desktop/WendelOpen.h"
 
 #include <QDBusConnection>
+#include <QDBusMessage>
 #include <utility>
 
 #include "desktop/QtText.h"
@@ -19,7 +20,11 @@ WendelOpen::WendelOpen(std::function<void(const std::string&)> empfaenger)
 WendelOpen::~WendelOpen() {
     if (!veroeffentlicht_) return;
     QDBusConnection bus = QDBusConnection::sessionBus();
-    bus.unregisterService(kName);
+    // Not the toolkit's own call: it would wait for a bus that does not answer, and the program with it.
+    const QString dienst = QStringLiteral("org.freedesktop.DBus");
+    bus.send(QDBusMessage::createMethodCall(dienst, QStringLiteral("/org/freedesktop/DBus"), dienst,
+                                            QStringLiteral("ReleaseName"))
+             << kName);
     bus.unregisterObject(kObjekt);
 }
 

@@ -1,6 +1,6 @@
 """The live update from its schedule to the new guide, with a stand-in and with the real update program, the ways in
 which it can fail, and the way out with its question: liveupdate.py standin|skarvel|pannen|ende."""
-import fcntl, sys
+import fcntl, signal, sys
 from baum import *
 
 NEBENAN = os.path.dirname(PROGRAMM)
@@ -207,5 +207,19 @@ def ohne_frage():
     assert not eintrag(), 'switched off meanwhile'
 
 
-FAELLE = {'standin': [standin], 'skarvel': [skarvel], 'pannen': [fehlt, stumm_und_abgestuerzt], 'ende': [frage, ohne_frage]}
+def haengender_bus():
+    p = Updater()
+    p.starte(uhr='2012-12-24 12:10:00')
+    warte(trayicon, 'the icon')
+    bus = int(lauf('dbus-send', '--session', '--print-reply=literal', '--dest=org.freedesktop.DBus', '/',
+                   'org.freedesktop.DBus.GetConnectionUnixProcessID', 'string:org.freedesktop.DBus').split()[-1])
+    os.kill(bus, signal.SIGSTOP)
+    p.prozess.terminate()
+    try:
+        assert p.prozess.wait(5) == 0
+    finally:
+        os.kill(bus, signal.SIGCONT)
+
+
+FAELLE = {'standin': [standin], 'skarvel': [skarvel], 'pannen': [fehlt, stumm_und_abgestuerzt], 'ende': [frage, ohne_frage, haengender_bus]}
 pruefe_alle(*FAELLE[sys.argv[1]])
