@@ -273,6 +273,7 @@ void FormWendel::LabelAnzLiveUpdateEinstellungenStartLink_Click() {
         ModulDateiStarten::DateiStarten(ports_.starter, datei, bestand_.konfiguration().linkParameter,
                                         kFensterNormal);
     } catch (const Fehler&) {
+        const Laufend laufend(frageOffen_);
         ports_.meldungen.meldung("Die folgende Datei kann nicht gestartet werden:\r\n\"" +
                                      ports_.dateien.pfadAnzeige(datei) + "\"",
                                  meldungsstil::kAusrufezeichen, "Fehler");

@@ -29,6 +29,7 @@ constexpr std::int64_t kNachholenMs = 5 * kMinuteMs;
 constexpr std::int64_t kTageSekunden = 86400;
 constexpr std::int64_t kWoche = 7;
 constexpr std::size_t kMaske = 7;
+constexpr std::size_t kStatuszeichen = 500;
 constexpr int kFensterVersteckt = 0;
 constexpr int kFensterNormal = 1;
 constexpr const char* kGestartet = "Live-Update gestartet";
@@ -215,7 +216,8 @@ std::string Liveupdate::abschlusstext(bool gelungen) const {
 
 void Liveupdate::ReceivedDrumletStatuslabel_Change(const std::string& text) {
     stumm_ = 0;
-    std::string label = getrimmt(text);
+    // Whatever the program sends, the status bar has one line.
+    std::string label = Left(getrimmt(text), kStatuszeichen);
     if (label.empty() || label == statuslabel_) return;
     statuslabel_ = std::move(label);
     anzeige_->liveupdateStatusGeaendert();

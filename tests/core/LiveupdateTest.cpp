@@ -206,19 +206,20 @@ TEST_F(Laufendes, ComesBackToRestHoweverItEndsAndSaysWhy) {
     const std::string weg = schlecht + " Das Programm wurde beendet, ohne ein Ergebnis zu melden.";
     const std::string stumm = schlecht + " Das Programm hat seit 30 Minuten nichts gemeldet.";
     const struct {
-        const char* verlauf;
-        std::string text;
-    } faelle[] = {{"1;code=50;label=Fertig;code=-99", gut},
-                  {"1;label=Kein XMLTV.;code=-98", schlecht + " Kein XMLTV."},
-                  {"1;code=-98", schlecht},
-                  {"1;label=Das Live-Update ist abgebrochen worden.;code=-98", schlecht},
-                  {"1;weg;9;da;1;weg;10", weg},
-                  {"weg;10;code=-99", gut},
-                  {"unverbunden;1800", stumm},
-                  {"100;code=0;schlaf;1800", stumm},
-                  {"1;aus;code=-99", gut}};
+        std::string verlauf, text;
+    } faelle[] = {
+        {"1;code=50;label=Fertig;code=-99", gut},
+        {"1;label=Kein XMLTV.;code=-98", schlecht + " Kein XMLTV."},
+        {"1;code=-98", schlecht},
+        {"1;label= " + std::string(1'000'000, 'x') + ";code=-98", schlecht + " " + std::string(500, 'x')},
+        {"1;label=Das Live-Update ist abgebrochen worden.;code=-98", schlecht},
+        {"1;weg;9;da;1;weg;10", weg},
+        {"weg;10;code=-99", gut},
+        {"unverbunden;1800", stumm},
+        {"100;code=0;schlaf;1800", stumm},
+        {"1;aus;code=-99", gut}};
     for (const auto& [verlauf, text] : faelle) {
-        SCOPED_TRACE(verlauf);
+        SCOPED_TRACE(Left(verlauf, 60));
         Lauf test;
         for (const std::string& was : Split(verlauf, ";"))
             test.tu(was);
