@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <fstream>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -30,12 +31,31 @@ std::string execArgument(std::string_view argument) {
     return wert + '"';
 }
 
+// A folder of the suite on a disk of another system: its programs look executable, and can't run here.
+bool istFremdesProgramm(const std::string& datei) {
+    char anfang[2] = {};
+    std::ifstream(datei, std::ios::binary).read(anfang, sizeof anfang);
+    return anfang[0] == 'M' && anfang[1] == 'Z';
+}
+
+// "x.exe", else "x", as programs are started; "" when neither can run.
+std::string starterdatei(const std::string& genannt) {
+    constexpr std::string_view kExe = ".exe";
+    std::string kurz = genannt;
+    if (kurz.ends_with(kExe)) kurz.resize(kurz.size() - kExe.size());
+    for (const std::string& name : {genannt, kurz}) {
+        std::string datei = vorhandeneDatei(name);
+        if (!datei.empty() && ::access(datei.c_str(), X_OK) == 0 && !istFremdesProgramm(datei)) return datei;
+    }
+    return {};
+}
+
 // The launcher that the line names, where the machine has it; else the program itself, which then has to wait
 // for the desktop as the launcher would have made it.
 std::string execZeile(const std::string& zeile, const std::string& eigenesProgramm) {
     std::vector<std::string> argumente = argumenteAus(zeile);
-    std::string starter = argumente.empty() ? "" : nativerPfad(argumente.front());
-    if (starter.empty() || ::access(starter.c_str(), X_OK) != 0) {
+    std::string starter = argumente.empty() ? "" : starterdatei(nativerPfad(argumente.front()));
+    if (starter.empty()) {
         starter = eigenesProgramm;
         argumente = {eigenesProgramm, "/pcstart"};
     }

@@ -12,7 +12,7 @@ namespace wendel {
 class Autostarteintrag {
   public:
     // Native path of the .desktop file. eigenesProgramm is what the entry starts when the launcher that the
-    // text names is not there.
+    // text names is not there or another system's.
     Autostarteintrag(std::string datei, std::string eigenesProgramm);
 
     // zeile is a command line in the suite's form, "\" between folders: "C:\Suite\tessaly.exe" wendel

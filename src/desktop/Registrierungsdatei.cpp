@@ -89,9 +89,11 @@ std::optional<std::pair<std::string, Registrierungswert>> wertzeile(std::string_
 Registrierungsdatei::Inhalt ausText(std::string_view text) {
     Registrierungsdatei::Inhalt inhalt;
     Registrierungsdatei::Werte* werte = nullptr;
-    for (const std::string& zeile : Split(text, "\n")) {
+    for (const std::string& eine : Split(text, "\n")) {
+        std::string_view zeile = eine;
+        if (zeile.ends_with('\r')) zeile.remove_suffix(1);  // an editor of another system
         if (zeile.starts_with('[') && zeile.ends_with(']')) {
-            werte = &inhalt[ausDatei(std::string_view(zeile).substr(1, zeile.size() - 2))];
+            werte = &inhalt[ausDatei(zeile.substr(1, zeile.size() - 2))];
         } else if (auto wert = werte ? wertzeile(zeile) : std::nullopt) {
             (*werte)[wert->first] = std::move(wert->second);
         }
@@ -166,7 +168,7 @@ Registrierung::Schluessel Registrierungsdatei::oeffnen(Registrierungswurzel wurz
                                                        std::uint32_t rechte) {
     const std::string schluessel = ohneRandtrenner(pfad);
     const bool vorhanden = wurzel == Registrierungswurzel::AktuellerBenutzer &&
-                           (lesen().contains(schluessel) || gleichOhneGrossKlein(schluessel, kRun));
+                           (gleichOhneGrossKlein(schluessel, kRun) || lesen().contains(schluessel));
     return vorhanden ? merke(schluessel, rechte) : 0;
 }
 

@@ -52,7 +52,13 @@ TEST_F(RegistryFile, GivesEveryTypeBackToAnotherProcess) {
     ASSERT_TRUE(CreateKey(registrierung, kBenutzer, kPfad));
     for (const auto& fall : faelle)
         EXPECT_TRUE(WriteValue(registrierung, kBenutzer, kPfad, fall.name, fall.geschrieben)) << fall.name;
+    std::ofstream(temp / "wendel/registrierung.txt", std::ios::app)
+        << "[" << kPfad << "\\von Hand]\r\n\"x\"=1:\"y\"\r\n";
+    ASSERT_TRUE(WriteValue(registrierung, kBenutzer, kPfad, "x", Variant::lang(1)));
     Registrierungsdatei andere = offene();
+    Variant vonHand;
+    EXPECT_TRUE(ReadValue(andere, kBenutzer, kPfad + "\\von Hand", "x", vonHand));
+    EXPECT_EQ(vonHand, text("y"));
     for (const auto& fall : faelle) {
         Variant wert, roh;
         EXPECT_TRUE(ReadValue(andere, kBenutzer, LCase(kPfad), UCase(fall.name), wert)) << fall.name;
@@ -96,11 +102,18 @@ TEST_F(RegistryFile, TwoProcessesLoseNothing) {
 
 TEST_F(RegistryFile, RunValueIsTheAutostartEntryOfTheDesktop) {
     const std::string starter = temp.skript("Suite %/tessaly.exe", "");
+    const std::string kurz = temp.skript("Linux/tessaly", "");
+    const std::string fremd = temp.skript("Windows/tessaly.exe", "");
+    std::ofstream(fremd) << "MZ";
     const struct {
         std::string zeile, exec;
     } faelle[] = {
         {"\"" + logischerPfad(starter) + "\" wendel pcstart",
          "Exec=\"" + temp.pfad() + "/Suite %%/tessaly.exe\" \"wendel\" \"pcstart\"\n"},
+        {"\"" + logischerPfad(kurz) + ".exe\" wendel pcstart",
+         "Exec=\"" + kurz + "\" \"wendel\" \"pcstart\"\n"},
+        {"\"" + logischerPfad(fremd) + "\" wendel pcstart",
+         "Exec=\"/opt/we ndel/bin/wendel\" \"/pcstart\"\n"},
         {"\"C:\\Suite\\tessaly.exe\" wendel pcstart", "Exec=\"/opt/we ndel/bin/wendel\" \"/pcstart\"\n"},
     };
     for (const auto& fall : faelle) {
