@@ -2,6 +2,7 @@
 
 #include <sqlite3.h>
 
+#include <concepts>
 #include <utility>
 
 #include "Guidespalten.h"
@@ -21,21 +22,19 @@ constexpr int kErsteSpalte = 3;
 void binde(sqlite3_stmt* anweisung, int platz, const std::string& wert) {
     sqlite3_bind_text(anweisung, platz, wert.data(), static_cast<int>(wert.size()), SQLITE_STATIC);
 }
-void binde(sqlite3_stmt* anweisung, int platz, std::int16_t wert) {
+// Numbers of any width and flags.
+void binde(sqlite3_stmt* anweisung, int platz, std::int32_t wert) {
     sqlite3_bind_int(anweisung, platz, wert);
 }
-void binde(sqlite3_stmt* anweisung, int platz, bool wert) { sqlite3_bind_int(anweisung, platz, wert); }
 void binde(sqlite3_stmt*, int, Datum) {}  // not known yet
 
 void lies(sqlite3_stmt* anweisung, int platz, std::string& wert) {
     const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(anweisung, platz));
     wert.assign(text ? text : "", static_cast<std::size_t>(sqlite3_column_bytes(anweisung, platz)));
 }
-void lies(sqlite3_stmt* anweisung, int platz, std::int16_t& wert) {
-    wert = static_cast<std::int16_t>(sqlite3_column_int(anweisung, platz));
-}
-void lies(sqlite3_stmt* anweisung, int platz, bool& wert) {
-    wert = sqlite3_column_int(anweisung, platz) != 0;
+template <std::integral Zahl>
+void lies(sqlite3_stmt* anweisung, int platz, Zahl& wert) {
+    wert = static_cast<Zahl>(sqlite3_column_int(anweisung, platz));
 }
 void lies(sqlite3_stmt*, int, Datum&) {}
 
@@ -52,9 +51,9 @@ class Ablage::Datei {
             spalten += std::string(",") + spalte.name;
             fragezeichen += ",?";
         }
-        fuehreAus("create table s(" + spalten + "); create unique index platz on s(kanal,von); begin");
+        fuehreAus("create table s(" + spalten + "); create unique index platz on s(kanal,von/60); begin");
         fuegen_ = vorbereitet("insert or replace into s values(" + fragezeichen + ")");
-        suchen_ = vorbereitet("select * from s where kanal=? order by von");
+        suchen_ = vorbereitet("select * from s where kanal=? order by von/60");
         zaehlen_ = vorbereitet("select count(*) from s where kanal=?");
     }
     ~Datei() {
@@ -125,9 +124,11 @@ class Ablage::Datei {
     }
     void pruefe(int ergebnis) const {
         if (ergebnis == SQLITE_OK || ergebnis == SQLITE_ROW || ergebnis == SQLITE_DONE) return;
+        const std::string warum = ergebnis == SQLITE_FULL
+                                      ? "Auf dem Datenträger für temporäre Dateien ist nicht genug Platz."
+                                      : "Fehler " + std::to_string(ergebnis) + ".";
         throw Fehler(fehlernummer::kEigener, "skarvel",
-                     std::string("Die gelesenen Sendungen können nicht zwischengespeichert werden (") +
-                         sqlite3_errmsg(verbindung_) + ").");
+                     "Die gelesenen Sendungen können nicht zwischengespeichert werden: " + warum);
     }
 
     sqlite3* verbindung_ = nullptr;

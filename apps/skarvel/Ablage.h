@@ -1,7 +1,7 @@
 #pragma once
 // What the source has delivered, kept outside memory until all of it has been read and found sound: a
 // temporary file that has no name and goes with the process. Broadcasts may come in any order; of two that
-// begin on one channel at one moment, the later one stays.
+// begin on one channel in one minute, the later one stays.
 
 #include <cstddef>
 #include <map>

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <string_view>
+#include <vector>
 
 #include "jet/storage/Catalog.h"
 #include "platform/Text.h"
@@ -9,45 +11,23 @@
 namespace wendel::skarvel {
 namespace {
 
-constexpr auto kSpalten = std::to_array<Guidespalte>({
-    {"SenderKennung", &cSendung::SenderKennung},
-    {"Beginn", &cSendung::Beginn},
-    {"Ende", &cSendung::Ende},
-    {"Titel", &cSendung::Titel},
-    {"SendungID", &cSendung::SendungID},
-    {"InhaltID", &cSendung::InhaltID},
-    {"Showview", &cSendung::Showview},
-    {"VPS", &cSendung::VPS},
-    {"Kategorietext", &cSendung::Kategorietext},
-    {"KurzBeschreibung", &cSendung::Kurzbeschreibung},
-    {"Bewertung", &cSendung::Bewertung},
-    {"Dauer", &cSendung::Dauer},
-    {"Genre", &cSendung::Genre},
-    {"Herstellungsjahr", &cSendung::Herstellungsjahr},
-    {"Herstellungsland", &cSendung::Herstellungsland},
-    {"Originaltitel", &cSendung::Originaltitel},
-    {"Regie", &cSendung::Regie},
-    {"Kurzkritik", &cSendung::Kurzkritik},
-    {"FSK", &cSendung::FSK},
-    {"Keywords", &cSendung::Keywords},
-    {"KzFilm", &cSendung::KzFilm},
-    {"Kz16zu9", &cSendung::Kz16zu9},
-    {"KzDolby", &cSendung::KzDolby},
-    {"KzDolbyDigital", &cSendung::KzDolbyDigital},
-    {"KzDolbySurround", &cSendung::KzDolbySurround},
-    {"KzLive", &cSendung::KzLive},
-    {"KzStereo", &cSendung::KzStereo},
-    {"KzSchwarzweis", &cSendung::KzSchwarzweis},
-    {"KzUntertitel", &cSendung::KzUntertitel},
-    {"KzZweikanalton", &cSendung::KzZweikanalton},
-    {"KzAudiodescription", &cSendung::KzAudiodescription},
-    {"KzWiederholung", &cSendung::KzWiederholung},
-    {"KzHDTV", &cSendung::KzHDTV},
-    {"Beschreibung", &cSendung::Temp_Beschreibung, true},
-    {"Darsteller", &cSendung::Temp_Darsteller, true},
-});
+// XMLTV has nothing for them, or they belong to the database, the guide or the user.
+constexpr auto kFremde = std::to_array<std::string_view>(
+    {"Pos", "Aktualisierung", "ShowviewVPS", "Bilddateiname", "Bewertungen", "KzTelefon", "KzUncoded",
+     "KzBilddateiHeruntergeladen", "KzInFavoritenliste", "KzImArchiv", "HTMLSeite"});
+
+std::vector<Guidespalte> eigene() {
+    std::vector<Guidespalte> spalten;
+    for (const bool inDetails : {false, true}) {
+        for (const auto& [name, feld] : inDetails ? cSendung::spaltenDetails() : cSendung::spaltenSendungen())
+            if (std::find(kFremde.begin(), kFremde.end(), name) == kFremde.end())
+                spalten.push_back({name, feld, inDetails});
+    }
+    return spalten;
+}
 
 Variant alsVariant(const std::string& wert) { return Variant::text(wert); }
+Variant alsVariant(std::int32_t wert) { return Variant::lang(wert); }
 Variant alsVariant(std::int16_t wert) { return Variant::integer(wert); }
 Variant alsVariant(bool wert) { return Variant::boolesch(wert); }
 Variant alsVariant(Datum wert) { return Variant::datum(wert); }
@@ -72,7 +52,10 @@ std::string tabelleVon(const Guidespalte& spalte) {
 
 }  // namespace
 
-std::span<const Guidespalte> guidespalten() { return kSpalten; }
+std::span<const Guidespalte> guidespalten() {
+    static const std::vector<Guidespalte> spalten = eigene();
+    return spalten;
+}
 
 Variant wertVon(const cSendung& sendung, const Guidespalte& spalte) {
     return std::visit([&](auto feld) { return alsVariant(sendung.*feld); }, spalte.feld);

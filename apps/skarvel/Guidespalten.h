@@ -1,13 +1,12 @@
 #pragma once
-// The columns of a broadcast that the guide fills, in one table: what is staged, cut to size, compared and
-// written goes by it. All other columns are somebody else's and stay as they are.
+// The columns of a broadcast that the guide fills: what is staged, cut to size, compared and written goes by
+// them. The others are somebody else's and stay as they are.
 
 #include <cstddef>
 #include <map>
 #include <span>
 #include <string>
 #include <variant>
-#include <vector>
 
 #include "platform/Variant.h"
 #include "tvdb/cSendung.h"
@@ -16,7 +15,7 @@ namespace wendel::skarvel {
 
 struct Guidespalte {
     const char* name;
-    std::variant<std::string cSendung::*, std::int16_t cSendung::*, bool cSendung::*, Datum cSendung::*> feld;
+    cSendung::Feld feld;
     bool inDetails = false;  // a column of SendungenDetails
 };
 std::span<const Guidespalte> guidespalten();

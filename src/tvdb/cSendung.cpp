@@ -2,7 +2,6 @@
 
 #include <cassert>
 #include <utility>
-#include <variant>
 
 #include "platform/Fehler.h"
 #include "platform/Text.h"
@@ -15,13 +14,7 @@ namespace {
 
 constexpr std::size_t kHtmlSeiteLaenge = 255;
 
-// A column and the member that holds it.
-using Ziel = std::variant<std::int32_t cSendung::*, std::int16_t cSendung::*, std::string cSendung::*,
-                          wendel::Datum cSendung::*, bool cSendung::*>;
-struct Spalte {
-    const char* name;
-    Ziel ziel;
-};
+using Spalte = cSendung::Spalte;
 
 constexpr std::array<Spalte, cSendung::kSpalten1> kSpaltenSendungen = {{
     {"Pos", &cSendung::Pos},
@@ -245,6 +238,9 @@ void cSendung::setzeHTMLSeite(std::string text) {
     Temp_HTMLSeite = std::move(text);
     Temp_DetailsGeladen = true;
 }
+
+std::span<const cSendung::Spalte> cSendung::spaltenSendungen() { return kSpaltenSendungen; }
+std::span<const cSendung::Spalte> cSendung::spaltenDetails() { return kSpaltenDetails; }
 
 std::string cSendung::GetFelderNamenSendungen() { return namenAb(kSpaltenSendungen, 1); }
 std::string cSendung::GetFelderNamenSendungenDetails() { return namenAb(kSpaltenDetails, 0); }

@@ -6,7 +6,9 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string>
+#include <variant>
 
 #include "platform/Datum.h"
 #include "platform/ports/Datenbankmaschine.h"
@@ -116,6 +118,17 @@ class cSendung {
     // The column lists of both tables without Pos, joined with commas: for select lists.
     static std::string GetFelderNamenSendungen();
     static std::string GetFelderNamenSendungenDetails();
+
+    // A column and the member that holds it.
+    using Feld = std::variant<std::int32_t cSendung::*, std::int16_t cSendung::*, std::string cSendung::*,
+                              wendel::Datum cSendung::*, bool cSendung::*>;
+    struct Spalte {
+        const char* name;
+        Feld ziel;
+    };
+    // All columns in the tables' order; those of the details without Pos.
+    static std::span<const Spalte> spaltenSendungen();
+    static std::span<const Spalte> spaltenDetails();
 
     static constexpr std::size_t kSpalten1 = 43;
     static constexpr std::size_t kSpalten2 = 3;
