@@ -81,7 +81,7 @@ class Guideschreiber::Atem {
 
 struct Guideschreiber::Marke {
     std::int32_t id = 0, pos = 0;
-    std::string benutzer, titel, optionen;
+    std::string benutzer, titel, optionen, dauer;
     Datum beginn;
 };
 
@@ -150,6 +150,7 @@ void Guideschreiber::schreibeSender(const Senderplan& plan) {
         fuehreAus("Update Sender Set Bezeichnung=" + SqlText(zeile.bezeichnung) +
                   ",BezeichnungKurz=" + SqlText(zeile.kurz) + ",Webseite=" + SqlText(zeile.webseite) +
                   " Where Senderkennung=" + SqlText(zeile.kennung));
+        ++bilanz_.sender;
     }
     if (plan.neue.empty()) return;
     auto rs = zugriff_.SafeOpenRs(db_, "Select * from Sender", kDynaset, kAppendOnly);
@@ -164,7 +165,7 @@ void Guideschreiber::schreibeSender(const Senderplan& plan) {
         rs->setzeFeld("SortNr", Variant::lang(zeile.sortNr));
         rs->setzeFeld("SortNrKestrin", Variant::lang(zeile.sortNrKestrin));
         zugriff_.SafeUpdate(*rs);
-        ++bilanz_.neueSender;
+        ++bilanz_.sender;
     }
     zugriff_.SafeCloseRs(rs);
 }
@@ -217,9 +218,9 @@ void Guideschreiber::liesDetails(std::vector<cSendung>& zeilen) {
 
 std::vector<Guideschreiber::Marke> Guideschreiber::liesMarken(const std::string& kennung) {
     std::vector<Marke> marken;
-    auto rs =
-        oeffne("Select ID,User,Pos,Sendung,Datum,Uhrzeit,Optionen from Markierungen Where Senderkennung=" +
-               SqlText(kennung));
+    auto rs = oeffne(
+        "Select ID,User,Pos,Sendung,Datum,Uhrzeit,Dauer,Optionen from Markierungen Where Senderkennung=" +
+        SqlText(kennung));
     for (; !rs->eof(); rs->moveNext()) {
         Marke marke;
         marke.id = Feldwerte::alsLong(rs->feld("ID"));
@@ -227,6 +228,7 @@ std::vector<Guideschreiber::Marke> Guideschreiber::liesMarken(const std::string&
         marke.benutzer = Feldwerte::alsText(rs->feld("User"));
         marke.titel = Feldwerte::alsText(rs->feld("Sendung"));
         marke.optionen = Feldwerte::alsText(rs->feld("Optionen"));
+        marke.dauer = Feldwerte::alsText(rs->feld("Dauer"));
         marke.beginn = Feldwerte::alsDatum(rs->feld("Datum")) + Feldwerte::alsDatum(rs->feld("Uhrzeit"));
         marken.push_back(std::move(marke));
     }
@@ -376,9 +378,12 @@ void Guideschreiber::fuegeDetailsHinzu(const cSendung& sendung) {
 void Guideschreiber::verschiebeMarken(const Bestand& bestand, std::span<const Zeilenpaar> paare) {
     if (bestand.marken.empty()) return;
     for (const auto& [alt, neu] : paare) {
-        if (alt->Beginn == neu->Beginn) continue;
+        const bool verschoben = alt->Beginn != neu->Beginn;
+        if (!verschoben && alt->Dauer == neu->Dauer) continue;
         for (const Marke& marke : bestand.marken) {
-            if (marke.pos == alt->Pos && marke.beginn != neu->Beginn) verschiebe(marke, *neu);
+            // A length of the user's own stays while the beginning does.
+            const bool veraltet = verschoben ? marke.beginn != neu->Beginn : marke.dauer == alt->Dauer;
+            if (marke.pos == alt->Pos && veraltet) verschiebe(marke, *neu);
         }
     }
 }
@@ -395,6 +400,7 @@ void Guideschreiber::verschiebe(const Marke& marke, const cSendung& sendung) {
               ",Uhrzeit=" + SqlDatumZeit(sendung.Uhrzeit()) + ",Dauer=" + SqlText(sendung.Dauer) +
               ",SendungID=" + SqlText(sendung.SendungID) + ",Optionen=" + SqlText(optionen) +
               " Where ID=" + std::to_string(marke.id));
+    ++bilanz_.marken;
 }
 
 // Also to one that was there before: the run that should have found it may have been ended.
@@ -414,6 +420,7 @@ void Guideschreiber::findeMarkenWieder(const Bestand& bestand,
                 continue;
             fuehreAus("Update Markierungen Set Pos=" + std::to_string(sendung->Pos) +
                       " Where ID=" + std::to_string(marke.id));
+            ++bilanz_.marken;
         }
     }
 }

@@ -21,8 +21,9 @@
 namespace wendel::skarvel {
 
 struct Schreibbilanz {
-    std::size_t neu = 0, geaendert = 0, entfallen = 0, abgelaufen = 0, neueSender = 0;
-    bool leer() const { return neu + geaendert + entfallen + abgelaufen + neueSender == 0; }
+    std::size_t neu = 0, geaendert = 0, entfallen = 0, abgelaufen = 0;  // broadcasts
+    std::size_t sender = 0, marken = 0;
+    bool leer() const { return neu + geaendert + entfallen + abgelaufen + sender + marken == 0; }
 };
 
 class Guideschreiber {

@@ -18,7 +18,7 @@ namespace {
 
 constexpr std::size_t kErsteFavoriten = 12;
 constexpr int kNachLesen = 20;  // per cent
-constexpr std::int64_t kMeldungMs = 250;
+constexpr std::int64_t kMeldungMs = 250, kMinuteMs = 60'000;
 
 [[noreturn]] void misslungen(const std::string& text) {
     throw Fehler(fehlernummer::kEigener, "skarvel", text);
@@ -83,9 +83,17 @@ void LiveUpdate::laufe() {
 }
 
 void LiveUpdate::lies(Fuellung& fuellung) {
+    const std::int64_t seit = ports_.uhr.laufzeitMs();
     const auto fortschritt = [&](double anteil) {
         pruefeAbbruch();
-        if (fuellung.gelesen > 0)
+        const std::int64_t minuten = (ports_.uhr.laufzeitMs() - seit) / kMinuteMs;
+        // A new text each minute, also of a command that is silent: who hears nothing for long gives up.
+        if (!konfiguration_.xmltvBefehl.empty() && minuten > 0)
+            melde("Der Befehl läuft seit " + std::to_string(minuten) +
+                      (minuten == 1 ? " Minute, " : " Minuten, ") + sendungen(fuellung.gelesen) +
+                      " gelesen ..",
+                  0, false);
+        else if (fuellung.gelesen > 0)
             melde("Sendungen werden gelesen .. " + std::to_string(fuellung.gelesen),
                   static_cast<int>(anteil * kNachLesen), false);
     };

@@ -11,7 +11,6 @@
 #include <array>
 #include <cerrno>
 #include <csignal>
-#include <cstring>
 #include <filesystem>
 #include <memory>
 #include <string_view>
@@ -49,14 +48,31 @@ bool istXmltv(const std::filesystem::path& pfad) {
     return name.ends_with(".xml") || name.ends_with(".xmltv");
 }
 
+[[noreturn]] void nichtLesbar(const std::string& pfad, int fehler) {
+    const std::string warum = fehler == ENOENT || fehler == ENOTDIR ? "Es gibt sie nicht"
+                              : fehler == EACCES || fehler == EPERM ? "Es fehlt die Berechtigung"
+                              : fehler == ENAMETOOLONG              ? "Der Name ist zu lang"
+                              : fehler == EIO                       ? "Der Datenträger antwortet nicht"
+                                                                    : "Fehler " + std::to_string(fehler);
+    misslungen("Die Quelle \"" + pfad + "\" kann nicht gelesen werden: " + warum + ".");
+}
+
 std::vector<std::string> dateienUnter(const std::string& pfad) {
     std::error_code fehler;
-    if (!std::filesystem::is_directory(pfad, fehler)) return {pfad};
+    const auto art = std::filesystem::status(pfad, fehler).type();
+    if (art == std::filesystem::file_type::regular) return {pfad};
+    if (art == std::filesystem::file_type::none || art == std::filesystem::file_type::not_found)
+        nichtLesbar(pfad, fehler ? fehler.value() : ENOENT);
+    // A pipe without a writer would be waited for without end.
+    if (art != std::filesystem::file_type::directory)
+        misslungen("Die Quelle \"" + pfad + "\" ist weder eine Datei noch ein Ordner.");
     std::vector<std::string> dateien;
     for (const auto& eintrag : std::filesystem::directory_iterator(pfad, fehler)) {
-        if (eintrag.is_regular_file(fehler) && istXmltv(eintrag.path()))
+        std::error_code egal;  // what cannot be looked at is none of them
+        if (eintrag.is_regular_file(egal) && istXmltv(eintrag.path()))
             dateien.push_back(eintrag.path().string());
     }
+    if (fehler) nichtLesbar(pfad, fehler.value());
     if (dateien.empty()) misslungen("Im Ordner \"" + pfad + "\" sind keine XMLTV-Dateien (*.xml, *.xmltv).");
     std::sort(dateien.begin(), dateien.end());
     return dateien;
@@ -75,8 +91,7 @@ void liesDatei(const std::string& pfad, XmltvEmpfaenger& empfaenger, std::vector
     const std::string name(letzterTeil(pfad));
     errno = ENOMEM;  // what the library leaves when it is not the file
     const std::unique_ptr<gzFile_s, Gzende> datei(gzopen(pfad.c_str(), "rbe"));
-    if (!datei)
-        misslungen("Die Datei \"" + pfad + "\" kann nicht gelesen werden: " + std::strerror(errno) + ".");
+    if (!datei) nichtLesbar(pfad, errno);
     XmltvLeser leser(name, empfaenger);
     for (;;) {
         const int gelesen = gzread(datei.get(), stueck.data(), static_cast<unsigned>(stueck.size()));

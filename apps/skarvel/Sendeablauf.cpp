@@ -32,17 +32,6 @@ void schneideUeberlappungen(std::vector<Guidesendung>& sendungen) {
     }
 }
 
-std::vector<std::pair<Weltzeit, Weltzeit>> stuecke(const std::vector<Guidesendung>& sendungen) {
-    std::vector<std::pair<Weltzeit, Weltzeit>> alle;
-    for (const Guidesendung& sendung : sendungen) {
-        if (alle.empty() || sendung.beginn - alle.back().second > kGroessteLuecke)
-            alle.emplace_back(sendung.beginn, *sendung.ende);
-        else
-            alle.back().second = std::max(alle.back().second, *sendung.ende);
-    }
-    return alle;
-}
-
 // In the hour that the autumn repeats, a broadcast can end at an earlier wall time than it begins; it is
 // shown with its length then.
 cSendung aufDieWanduhr(Guidesendung& quelle) {
@@ -61,10 +50,18 @@ Sendeablauf sendeablauf(std::vector<Guidesendung> sendungen) {
     ergaenzeEnden(sendungen);
     schneideUeberlappungen(sendungen);
     Sendeablauf ablauf;
-    for (const auto& [von, bis] : stuecke(sendungen))
-        ablauf.abgedeckt.push_back({ortszeit(von), ortszeit(bis)});
-    for (Guidesendung& sendung : sendungen)
-        ablauf.sendungen.push_back(aufDieWanduhr(sendung));
+    Weltzeit bis = 0;
+    for (Guidesendung& quelle : sendungen) {
+        const bool nachLuecke = quelle.beginn - bis > kGroessteLuecke;
+        bis = nachLuecke ? *quelle.ende : std::max(bis, *quelle.ende);
+        cSendung sendung = aufDieWanduhr(quelle);
+        if (ablauf.abgedeckt.empty() || nachLuecke)
+            ablauf.abgedeckt.push_back({sendung.Beginn, sendung.Ende});
+        // On the wall, the later one may be the earlier one.
+        Zeitraum& stueck = ablauf.abgedeckt.back();
+        stueck = {std::min(stueck.von, sendung.Beginn), std::max(stueck.bis, sendung.Ende)};
+        ablauf.sendungen.push_back(std::move(sendung));
+    }
     return ablauf;
 }
 

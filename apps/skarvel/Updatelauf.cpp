@@ -2,6 +2,8 @@
 
 #include <QMetaObject>
 #include <exception>
+#include <new>
+#include <optional>
 #include <utility>
 
 #include "../Konsolenports.h"
@@ -48,18 +50,21 @@ Updateergebnis Updatelauf::aktualisiere() {
     UnterbrechbareUhr uhr(uhr_, abbruch_);
     const Konsolenports ports(uhr);
     Einstellungen einstellungen(ports.ports().dateien, programmordner_);
-    LiveUpdate update(ports.ports(), einstellungen, programmordner_, *this);
+    std::optional<LiveUpdate> update;
     Updateergebnis ergebnis;
     try {
-        update.laufe();
+        update.emplace(ports.ports(), einstellungen, programmordner_, static_cast<Verlauf&>(*this));
+        update->laufe();
         ergebnis.fertig = true;
-        ergebnis.text = abschluss(update.bilanz());
+        ergebnis.text = abschluss(update->bilanz());
     } catch (const Fehler& fehler) {
         ergebnis.text = abbruch_ ? "Das Live-Update ist abgebrochen worden." : fehler.beschreibung();
+    } catch (const std::bad_alloc&) {
+        ergebnis.text = "Der Arbeitsspeicher reicht nicht.";
     } catch (const std::exception& fehler) {
-        ergebnis.text = fehler.what();
+        ergebnis.text = std::string("Ein unerwarteter Fehler ist aufgetreten (") + fehler.what() + ").";
     }
-    ergebnis.geschrieben = !update.bilanz().leer();
+    ergebnis.geschrieben = update && !update->bilanz().leer();
     return ergebnis;
 }
 

@@ -21,6 +21,7 @@ namespace {
 constexpr std::size_t kLaengsterText = 64 * 1024;
 constexpr std::size_t kLaengsteListe = 200;
 constexpr std::size_t kTiefsteSchachtel = 100;
+constexpr XML_Index kLaengstesZeichen = 4 * 1024 * 1024;  // tag, comment or the like
 
 struct Element {
     std::string name;
@@ -120,8 +121,13 @@ class XmltvLeser::Zustand {
     Zustand& operator=(const Zustand&) = delete;
 
     void lies(std::string_view stueck, bool letztes) {
-        if (XML_Parse(parser_, stueck.data(), static_cast<int>(stueck.size()), letztes) == XML_STATUS_OK)
+        gelesen_ += static_cast<XML_Index>(stueck.size());
+        if (XML_Parse(parser_, stueck.data(), static_cast<int>(stueck.size()), letztes) == XML_STATUS_OK) {
+            // The parser keeps an unfinished tag whole, and looks at all of it again with each piece.
+            if (gelesen_ - XML_GetCurrentByteIndex(parser_) > kLaengstesZeichen)
+                misslungen("Ein Element ist zu lang.");
             return;
+        }
         if (fehler_) {
             try {
                 std::rethrow_exception(std::exchange(fehler_, nullptr));
@@ -138,15 +144,26 @@ class XmltvLeser::Zustand {
         throw Fehler(fehlernummer::kEigener, "skarvel",
                      name_ + ", Zeile " + std::to_string(XML_GetCurrentLineNumber(parser_)) + ": " + warum);
     }
-    static std::string grund(XML_Error code) {
+    std::string grund(XML_Error code) const {
         switch (code) {
-            case XML_ERROR_NO_ELEMENTS: return "Es ist keine XMLTV-Datei, oder sie ist leer.";
+            case XML_ERROR_NO_ELEMENTS:
+                return offene_.empty() ? "Es ist keine XMLTV-Datei, oder sie ist leer."
+                                       : "Die Datei ist unvollständig.";
             case XML_ERROR_UNCLOSED_TOKEN:
             case XML_ERROR_UNCLOSED_CDATA_SECTION:
             case XML_ERROR_PARTIAL_CHAR: return "Die Datei ist unvollständig.";
             case XML_ERROR_UNKNOWN_ENCODING: return "Die Zeichenkodierung ist unbekannt.";
             case XML_ERROR_NO_MEMORY: return "Der Arbeitsspeicher reicht nicht.";
-            default: return std::string("Das XML ist fehlerhaft (") + XML_ErrorString(code) + ").";
+            case XML_ERROR_SYNTAX:
+            case XML_ERROR_BAD_CHAR_REF:
+            case XML_ERROR_INVALID_TOKEN:
+                return "Das XML ist fehlerhaft: Hier steht etwas, das nicht erlaubt ist.";
+            case XML_ERROR_TAG_MISMATCH:
+                return "Das XML ist fehlerhaft: Anfang und Ende der Elemente passen nicht zusammen.";
+            case XML_ERROR_JUNK_AFTER_DOC_ELEMENT:
+                return "Das XML ist fehlerhaft: Hinter dem Ende steht noch etwas.";
+            case XML_ERROR_UNDEFINED_ENTITY: return "Das XML ist fehlerhaft: Eine Entität ist unbekannt.";
+            default: return "Das XML ist fehlerhaft (Fehler " + std::to_string(code) + ").";
         }
     }
 
@@ -265,6 +282,7 @@ class XmltvLeser::Zustand {
     XmltvEmpfaenger& empfaenger_;
     XML_Parser parser_;
     std::exception_ptr fehler_;
+    XML_Index gelesen_ = 0;
     std::vector<Element> offene_;  // "tv" first
     XmltvKanal kanal_;
     XmltvSendung sendung_;

@@ -1,5 +1,6 @@
 #include "XmltvZeit.h"
 
+#include <algorithm>
 #include <array>
 #include <cctype>
 #include <chrono>
@@ -15,6 +16,9 @@ namespace {
 
 constexpr std::int64_t kTag = 86400;
 constexpr std::int64_t kTage1899bis1970 = 25569;
+// The database's calendar ends with this year; some write its last day for an end that is not known.
+constexpr std::int64_t kLetzterMoment =
+    std::chrono::sys_days(std::chrono::year(9999) / 12 / 28).time_since_epoch().count() * kTag;
 constexpr int kGroessterAbstand = 14 * 60;  // minutes; no zone is farther from universal time
 
 struct Zonenname {
@@ -87,7 +91,9 @@ std::optional<Weltzeit> gelesen(std::string_view text) {
     const auto abstand = zone(Trim(text));
     if (!abstand) return std::nullopt;
     const auto tage = std::chrono::sys_days(datum).time_since_epoch().count();
-    return tage * kTag + uhrzeit[0] * 3600 + uhrzeit[1] * 60 + uhrzeit[2] - *abstand * 60;
+    const std::int64_t moment =
+        tage * kTag + uhrzeit[0] * 3600 + uhrzeit[1] * 60 + uhrzeit[2] - *abstand * 60;
+    return std::min(moment, kLetzterMoment);
 }
 
 }  // namespace

@@ -68,13 +68,15 @@ class Vorgang {
         if (zuEnde_) return QCoreApplication::exit(kFehler);
         nachlaufMs_ = kNachlaufNachSignalMs;
         signalisiert_ = true;
-        lauf_.brichAb();
+        brichAb();
     }
 
   private:
     static std::string sperrdatei() { return elternordner(sperrdateipfad()) + "/skarvel.lock"; }
 
     void zeige(const std::string& text, int prozent) {
+        if (wirdAbgebrochen_) return;  // what was on its way
+        prozent_ = prozent;
         status_.setze(text, std::to_string(prozent));
         if (fenster_) fenster_->zeigeStand(text, prozent);
     }
@@ -102,14 +104,23 @@ class Vorgang {
                                       [] { QCoreApplication::exit(kFehler); });
         }
         vomBenutzer_ = true;
+        brichAb();
+    }
+
+    // A try that waits for the lock of another program is not interrupted.
+    void brichAb() {
+        if (wirdAbgebrochen_) return;
+        zeige("Das Live-Update wird abgebrochen. Ist die Datenbank gesperrt, dauert das einige Sekunden ..",
+              prozent_);
+        wirdAbgebrochen_ = true;
         lauf_.brichAb();
     }
 
     Einzelinstanz einzelinstanz_{sperrdatei()};
     TvStatus status_;
     std::unique_ptr<Fortschrittsfenster> fenster_;
-    int nachlaufMs_ = kNachlaufMs;
-    bool zuEnde_ = false, vomBenutzer_ = false, signalisiert_ = false;
+    int nachlaufMs_ = kNachlaufMs, prozent_ = 0;
+    bool wirdAbgebrochen_ = false, zuEnde_ = false, vomBenutzer_ = false, signalisiert_ = false;
     Updatelauf lauf_;  // the first to go
 };
 

@@ -109,6 +109,7 @@ def the_button_breaks_off():
     aktiviere(warte_fenster('Drumlet'))
     taste('Escape')
     lauscher.bis(lambda: '-98' in lauscher.codes, 'the end')
+    assert lauscher.texte[-2].startswith('Das Live-Update wird abgebrochen.'), lauscher.texte[-3:]
     assert s.wait(10) == 1
     assert 0 < int(sql(p, "Select Count(*) from Sendungen Where Titel Like 'Probe*'")[0]) < 6000, 'what was written stays'
 

@@ -19,7 +19,6 @@ namespace wendel::skarvel {
 namespace {
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 // ---- identifiers ----
 
@@ -137,6 +136,21 @@ TEST_F(Abend, CountsRealMinutesOverTheChangeOfTheClock) {
                                     sendung("20261025013000 +0200", "20261025023000 +0100"),
                                     sendung("20261025025000 +0200", "20261025021000 +0100")})),
                 ElementsAre("01:30-03:30 60", "01:30-02:30 120", "02:50-03:10 20"));
+}
+
+// What is not covered is not found again, and would be added by each run.
+TEST_F(Abend, CoversAllOfTheHourThatComesTwice) {
+    for (const auto& rest : {std::vector{sendung("20261025025000 +0200", "20261025021000 +0100")},
+                             std::vector{sendung("20261025025000 +0200", "20261025021000 +0100"),
+                                         sendung("20261025021000 +0100", "20261025023000 +0100")}}) {
+        const Sendeablauf ablauf = sendeablauf(rest);
+        const Sendungsabgleich nochmal = gleicheAb(ablauf.sendungen, ablauf);
+        for (std::size_t i = 0; i < ablauf.sendungen.size(); ++i) {
+            EXPECT_EQ(nochmal.zeilen[i], i);
+            EXPECT_GE(ablauf.sendungen[i].Beginn, ablauf.abgedeckt[0].von);
+            EXPECT_LT(ablauf.sendungen[i].Beginn, ablauf.abgedeckt[0].bis);
+        }
+    }
 }
 
 TEST_F(Abend, ADayThatTheSourceLeavesOutIsNotCovered) {

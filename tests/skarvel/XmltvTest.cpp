@@ -10,10 +10,12 @@
 #include <vector>
 
 #include "../../apps/skarvel/Guidesendung.h"
+#include "../../apps/skarvel/LiveUpdate.h"
 #include "../../apps/skarvel/XmltvLeser.h"
 #include "../../apps/skarvel/XmltvZeit.h"
 #include "platform/Fehler.h"
 #include "platform/Text.h"
+#include "support/Fakes.h"
 
 namespace wendel::skarvel {
 namespace {
@@ -35,12 +37,13 @@ struct Sammler : XmltvEmpfaenger {
     void sendung(XmltvSendung sendung) override { sendungen.push_back(std::move(sendung)); }
 };
 
-// Byte by byte: no element may depend on where a piece ends.
+// Byte by byte: no element may depend on where a piece ends. The very long in larger pieces.
 Sammler gelesen(const std::string& xml) {
     Sammler sammler;
     XmltvLeser leser("probe.xml", sammler);
-    for (const char byte : xml)
-        leser.lies(std::string_view(&byte, 1));
+    const std::size_t stueck = xml.size() < 100'000 ? 1 : 1 << 18;
+    for (std::size_t i = 0; i < xml.size(); i += stueck)
+        leser.lies(std::string_view(xml).substr(i, stueck));
     leser.ende();
     return sammler;
 }
@@ -73,6 +76,7 @@ TEST_F(InBerlin, MomentsAreReadInEveryZone) {
         {"20261025023000 +0200", 1792888200, "25.10.2026 02:30:00"},
         {"20261025023000 +0100", 1792891800, "25.10.2026 02:30:00"},
         {"20240229120000 Z", 1709208000, "29.02.2024 13:00:00"},
+        {"99991231235959 -1200", 253401955200, "28.12.9999 01:00:00"},
     };
     for (const auto& fall : faelle) {
         EXPECT_EQ(weltzeitAus(fall.text), fall.weltzeit) << fall.text;
@@ -170,7 +174,7 @@ TEST(BrokenXml, IsRefusedWithItsPlace) {
         {"", "probe.xml, Zeile 1: Es ist keine XMLTV-Datei, oder sie ist leer."},
         {"kein XML", "Das XML ist fehlerhaft"},
         {"<html><body/></html>", "Es ist keine XMLTV-Datei."},
-        {"<tv>\n\n" + sendung + "<title>A</title>", "Zeile 3: Es ist keine XMLTV-Datei, oder sie ist leer."},
+        {"<tv>\n\n" + sendung + "<title>A</title>", "Zeile 3: Die Datei ist unvollständig."},
         {"<tv>\n" + sendung + "</tv>", "Zeile 2: Das XML ist fehlerhaft"},
         {"<tv>\n<programme channel=\"x\"/></tv>", "Dem Element \"programme\" fehlt das Attribut \"start\"."},
         {"<tv><programme start=\"20261224201500\"/></tv>", "fehlt das Attribut \"channel\""},
@@ -181,6 +185,7 @@ TEST(BrokenXml, IsRefusedWithItsPlace) {
         {"<tv><channel id=\"\xff\"/></tv>", "Das XML ist fehlerhaft"},
         {"<tv>" + ersetzt(std::string(200, '.'), ".", "<a>"), "zu tief verschachtelt"},
         {bombe(), "Das XML ist fehlerhaft"},
+        {"<tv><channel id=\"" + std::string(5 << 20, 'x') + "\"/></tv>", "Ein Element ist zu lang."},
     };
     for (const auto& [xml, text] : faelle)
         EXPECT_THAT(fehlerVon(xml), HasSubstr(text)) << xml.substr(0, 100);
@@ -191,6 +196,31 @@ TEST(ExternalEntities, AreNotFollowed) {
         "<!DOCTYPE tv [<!ENTITY fremd SYSTEM \"file:///etc/hostname\">]>"
         "<tv><channel id=\"x\"><display-name>&fremd;Name</display-name></channel></tv>");
     EXPECT_EQ(alles.kanaele.at(0).namen.at(0).text, "Name");
+}
+
+// Each look at it takes a minute of the clock.
+struct Geduldiger : Verlauf {
+    void melde(const std::string& text, int /*prozent*/) override { texte.push_back(text); }
+    bool abgebrochen() override {
+        ports.uhr.vor(60);
+        return texte.size() > 2;
+    }
+    FakePorts ports;
+    std::vector<std::string> texte;
+};
+
+TEST(ASilentCommand, IsToldAboutEachMinute) {
+    Geduldiger verlauf;
+    const Ports ports = verlauf.ports.ports();
+    verlauf.ports.dateien.lege("\\suite\\tvdaten.mdb", "");
+    Einstellungen einstellungen(ports.dateien, kTestordner);
+    einstellungen.setzeEinstellung(einstellung::kXmltvBefehl, Variant::text("sleep 60"));
+    LiveUpdate update(ports, einstellungen, kTestordner, verlauf);
+    EXPECT_THROW(update.laufe(), Fehler);
+    EXPECT_THAT(verlauf.texte,
+                testing::ElementsAre("Sender werden gelesen ..",
+                                     "Der Befehl läuft seit 1 Minute, 0 Sendungen gelesen ..",
+                                     "Der Befehl läuft seit 2 Minuten, 0 Sendungen gelesen .."));
 }
 
 TEST(Ratings, PreferTheGermanBody) {

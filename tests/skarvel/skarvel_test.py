@@ -163,6 +163,15 @@ class Guide(Update):
         self.updated(xmltv(programme("241205", "Spiel", "241400"), *EVENING))
         self.assertEqual(self.marks()[0][4], "Erinnerungszeit=202612241202")
 
+    def test_a_recording_gets_the_new_length_of_its_broadcast(self):
+        self.updated(xmltv(*EVENING))
+        for title in ("News", "Der Film"):
+            self.mark(title, "")
+        self.sql("Update Markierungen Set Aufzeichnung=true,Dauer=IIf(Sendung='News','99',Dauer)")
+        self.updated(xmltv(programme("242000", "News", "242010"), programme("242015", "Der Film", "242220")))
+        self.assertEqual(self.column("Select Dauer from Markierungen Where Aufzeichnung=true Order by ID"), ["99", "125"],
+                         "a length that the user has set stays")
+
     def test_vanished_and_expired_go_others_stay(self):
         self.updated(xmltv(*EVENING, programme("262000", "Übermorgen", "262100"), programme("242000", "Fremd", channel="zwei")))
         old = "Insert Into Sendungen (SenderKennung,Beginn,Ende,Titel,KzImArchiv) Values ('eins.example',#12/{0}/2026 20:00:00#,#12/{0}/2026 21:00:00#,'{1}',{2})"
@@ -203,7 +212,9 @@ class Failures(Update):
                               (xmltv(), "Die Quelle enthält keine Sendungen.")):
             self.refused(text, message)
         self.source.unlink()
-        self.refused(None, "kann nicht gelesen werden: No such file or directory")
+        self.refused(None, "kann nicht gelesen werden: Es gibt sie nicht.")
+        os.mkfifo(self.source)
+        self.refused(None, "ist weder eine Datei noch ein Ordner.")
         self.set("XmltvQuelle=")
         self.refused(None, "Es ist keine Quelle eingestellt")
 
