@@ -71,6 +71,17 @@ class Aufzeichnungsmodell {
     // Number of the one that is being recorded, or 0.
     int laufende() const { return offen_; }
 
+    // What runs keeps those from starting whose windows have come.
+    void andereLaufen(Datum jetzt) {
+        if (!offen_) return;
+        for (auto& [nummer, n] : offene) {
+            if (nummer != offen_ && n.von <= jetzt && jetzt < n.bis) n.gruende.insert(andereLief());
+        }
+    }
+
+    // The tick that is at work has begun a script.
+    bool imSkript() const { return !beruehrt_.empty(); }
+
     // A command has reached the application. scheitert: it will not obey.
     void befehl(const std::string& zeile, const Augenblick& a, bool scheitert) {
         const int nummer = std::atoi(zeile.c_str() + zeile.find('[') + 1);
@@ -92,8 +103,9 @@ class Aufzeichnungsmodell {
         for (auto& [nummer, n] : offene) {
             if (n.von >= std::max(von, bis) || std::min(von, bis) > n.bis) continue;
             n.gruende.insert(grund);
-            // Nobody watched when it should have ended.
-            if (n.bestaetigt && n.bis <= std::max(von, bis)) n.ergebnisse.insert("unterbrochen");
+            // Nobody watched when it should have ended. The tick that follows may show a notice first.
+            if (n.bestaetigt && n.bis <= std::max(von, bis).plusSekunden(kMinute))
+                n.ergebnisse.insert("unterbrochen");
         }
     }
 
@@ -240,13 +252,6 @@ class Aufzeichnungsmodell {
 
     std::string andereLief() const {
         return "andere Aufzeichnung lief (Film [" + std::to_string(offen_) + "])";
-    }
-
-    void andereLaufen(Datum jetzt) {
-        if (!offen_) return;
-        for (auto& [nummer, n] : offene) {
-            if (nummer != offen_ && n.von <= jetzt && jetzt < n.bis) n.gruende.insert(andereLief());
-        }
     }
 
     void tickVon(int nummer, Aufnahme& n, const Augenblick& a, bool gelesen) {

@@ -120,8 +120,8 @@ class Terminmodell {
         }
     }
 
-    // Others have given it a moment that lies ahead; the program makes it active. By a text that many share it
-    // can't tell which one that was, and takes it for another.
+    // Others have given it a moment that lies ahead; the program makes it active. By a text that many share
+    // it can't tell which one that was, and takes it for another.
     void verschoben(int id, Datum moment, Datum jetzt) {
         Eintrag neu = *mitId(id);
         neu.moment = moment, neu.ungespeichertSeit = jetzt;

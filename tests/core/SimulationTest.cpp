@@ -161,6 +161,7 @@ class Welt {
             gefeuert = modell_.feuern(beginn);
         }
         programm_.anwendung->tick();
+        aufnahmen_.andereLaufen(jetzt());  // a tick notes it inside a box too
         if (programm_.form().beschaeftigt() || programm_.form().beendet()) return;
         if (gefeuert || neueMinute) modell_.nachTick(neueMinute ? beginn : Datum());
         letzterTick_ = beginn;
@@ -375,8 +376,9 @@ class Welt {
     }
 
     // Another program writes the appointments and sends the line. What it changes of present ones while the
-    // program is busy with them is another test's matter.
+    // program is busy with them, and that the line waits for a script, is another test's matter.
     void andereTermine() {
+        if (aufnahmen_.imSkript()) return;
         const auto alte = programm_.gespeicherteTermine();
         auto termine = alte;
         const bool ruhig = !programm_.form().beschaeftigt() && !kasten_ && !gesperrt();
@@ -454,8 +456,8 @@ class Welt {
         }
         std::sort(markierte_.begin() + static_cast<std::ptrdiff_t>(ersterOffener_), markierte_.end(),
                   [](const auto& a, const auto& b) { return a.ende < b.ende; });
-        if (angesagt) return steuerzeile("terminupdate");
         wissen_ = false;
+        if (angesagt) steuerzeile("terminupdate");
     }
 
     void zurueckziehen() {
@@ -489,7 +491,7 @@ class Welt {
         if (mitChance(0.05)) scharfstellen();
         if (frage == Frage::Loeschen) programm_.form().TerminLoeschen();
         if (frage == Frage::Bearbeiten) programm_.form().TerminBearbeiten();
-        if (frage == Frage::Neu) programm_.anwendung->DoThis("createtermin");
+        if (frage == Frage::Neu) programm_.form().TerminNeu();
         if (aufgeschoben) gemerkt_ = frage;
         modell_.ausgefuehrt();
     }
