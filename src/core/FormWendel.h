@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "core/FormWendelView.h"
+#include "core/Laufend.h"
 #include "core/Liveupdate.h"
 #include "core/TaskbarIcon.h"
 #include "core/Terminzeilen.h"
@@ -158,7 +159,8 @@ class FormWendel : public Liveupdateanzeige {
 
     // The guard of the tick's long actions.
     bool beschaeftigt() const { return beschaeftigt_; }
-    void setzeBeschaeftigt(bool an) { beschaeftigt_ = an; }
+    // Set as long as the result lives; put back as it was.
+    [[nodiscard]] Laufend beschaeftigen() { return Laufend(beschaeftigt_); }
 
     // From here on ExitProgram has appointments to take care of; set by start-up.
     void setzeGeladen() { geladen_ = true; }

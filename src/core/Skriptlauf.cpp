@@ -16,21 +16,6 @@ constexpr const char* kTitel = "Aufzeichnung";
 constexpr std::int64_t kMinuteMs = 60000;
 constexpr std::size_t kMindestziffern = 2;
 
-// Ticks return at once; a run inside a box of a tick leaves the flag as it was.
-class Beschaeftigt {
-  public:
-    explicit Beschaeftigt(FormWendel& form) : form_(form), vorher_(form.beschaeftigt()) {
-        form_.setzeBeschaeftigt(true);
-    }
-    ~Beschaeftigt() { form_.setzeBeschaeftigt(vorher_); }
-    Beschaeftigt(const Beschaeftigt&) = delete;
-    Beschaeftigt& operator=(const Beschaeftigt&) = delete;
-
-  private:
-    FormWendel& form_;
-    bool vorher_;
-};
-
 }  // namespace
 
 Skriptlauf::Skriptlauf(const Ports& ports, Datenbestand& bestand, FormAufzeichnungsskript& status)
@@ -51,7 +36,7 @@ void Skriptlauf::laden() {
 
 Skriptlauf::Ergebnis Skriptlauf::laufe(std::initializer_list<Liste> listen, const Auftrag& auftrag) {
     const Laufend laufend(aktiv_);
-    const Beschaeftigt waehrenddessen(*form_);
+    const Laufend waehrenddessen = form_->beschaeftigen();
     modul_.setzeWerte(werte(auftrag));
     modul_.setzeAbbruch(grenze(auftrag));
     Ergebnis ergebnis;

@@ -7,6 +7,7 @@
 #include "core/Datenbestand.h"
 #include "core/FormWendel.h"
 #include "core/Hinweisausgabe.h"
+#include "core/Laufend.h"
 #include "core/Liveupdate.h"
 #include "core/Liveupdatetext.h"
 #include "platform/ModulProzessliste.h"
@@ -20,17 +21,6 @@ constexpr int kWartezeitMs = 1200;
 constexpr int kZeichenzeitMs = 200;
 constexpr int kScheibeMs = 100;
 constexpr std::int64_t kTippAbstandSekunden = 300;
-
-class Beschaeftigt {
-  public:
-    explicit Beschaeftigt(FormWendel& form) : form_(form) { form_.setzeBeschaeftigt(true); }
-    ~Beschaeftigt() { form_.setzeBeschaeftigt(false); }
-    Beschaeftigt(const Beschaeftigt&) = delete;
-    Beschaeftigt& operator=(const Beschaeftigt&) = delete;
-
-  private:
-    FormWendel& form_;
-};
 
 void sammleFaellige(const Terminliste& termine, Datum jetzt, Terminliste& faellige) {
     for (const TerminZeiger& termin : termine) {
@@ -120,7 +110,7 @@ void WeckTimer::minutenlauf() {
 }
 
 void WeckTimer::hinweisenUndNachlesen(const Terminliste& faellige, Datum jetzt) {
-    const Beschaeftigt waehrenddessen(form_);
+    const Laufend waehrenddessen = form_.beschaeftigen();
     const Hinweis hinweis = ausgabe_.feuern(faellige, jetzt);
     // Long enough for a start-up of the screen or the sound to settle.
     if (!warten(kWartezeitMs)) return;
@@ -151,7 +141,7 @@ void WeckTimer::nachzueglerHinweisen() {
     Terminliste faellige;
     sammleFaellige(bestand_.erinnerungen(), jetzt, faellige);
     if (faellige.empty()) return;
-    const Beschaeftigt waehrenddessen(form_);
+    const Laufend waehrenddessen = form_.beschaeftigen();
     ausgabe_.zeigen(ausgabe_.feuern(faellige, jetzt));
     // A box of the query would keep back own appointments that are due as well: the next tick shows them and
     // then asks.
@@ -169,7 +159,7 @@ void WeckTimer::tagestippNachholen(Datum jetzt) {
     if (!faellig || form_.beendet() || !bestand_.tippFehlt() ||
         ModulProzessliste::IsProcessRunning(ports_.prozesse, kLiveUpdateProgramm))
         return;
-    const Beschaeftigt waehrenddessen(form_);
+    const Laufend waehrenddessen = form_.beschaeftigen();
     tippZeit_ = jetzt;
     bestand_.tippLesenOhneKaesten();
 }

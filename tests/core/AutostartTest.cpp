@@ -113,9 +113,10 @@ TEST_F(Ende, AsksForTheEntryLastAndKeepsEverythingUntilItIsAnswered) {
     EXPECT_TRUE(eintrag() && fenster->geladen && !ports.symbol.symbole.empty());
 
     ports.dateien.nurLesen.clear();
-    form().setzeBeschaeftigt(true);
-    form().mnuBeenden_Click();
-    form().setzeBeschaeftigt(false);
+    {
+        const Laufend tick = form().beschaeftigen();
+        form().mnuBeenden_Click();
+    }
     EXPECT_THAT(fragen(), testing::ElementsAre()) << "inside of a tick";
     ports.meldungen.antworten = {Antwort::Nein};
     sekunde();
