@@ -20,7 +20,7 @@ def oeffne(x, y):
         klick(x, y, knopf=3)
     else:
         lauf('xdotool', 'mousemove', str(x), str(y))
-        lauf(WIRT, '--click', next(WEGE))
+        subprocess.run([WIRT, '--click', next(WEGE)], check=True, timeout=10, stdout=subprocess.DEVNULL)
     return menues(1)[0]
 
 
