@@ -59,7 +59,7 @@ bool kodierung(std::string_view name, XML_Encoding& tabelle) {
     tabelle.data = nullptr;
     tabelle.convert = nullptr;
     tabelle.release = nullptr;
-    return tabelle.map['<'] == '<';  // else it is none of one byte a character
+    return tabelle.map[static_cast<unsigned char>('<')] == '<';  // else it is none of one byte a character
 }
 
 // Where the text of a simple element of a broadcast goes, and which attribute belongs to it.

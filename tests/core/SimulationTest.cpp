@@ -630,10 +630,13 @@ class Welt {
 TEST(Simulation, EveryDueEntryIsShownExactlyOnceOverAYear) {
     const char* vorgabe = std::getenv("WENDEL_SAAT");
     const auto saat = static_cast<std::uint32_t>(vorgabe ? std::atoi(vorgabe) : 20121224);
-    std::cout << "seed " << saat << " (WENDEL_SAAT sets another)\n";
+    const char* laenger = std::getenv("WENDEL_JAHRE");
+    const int jahre = laenger ? std::atoi(laenger) : 0;
+    std::cout << "seed " << saat << " (WENDEL_SAAT sets another), " << jahre
+              << " years more than one (WENDEL_JAHRE)\n";
     Welt welt(saat);
     try {
-        welt.lebe(moment(2013, 4, 10));
+        welt.lebe(moment(2013 + jahre, 4, 10));
         welt.laufeAus();
         welt.pruefe();
     } catch (const Abweichung& abweichung) {

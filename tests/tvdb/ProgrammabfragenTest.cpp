@@ -51,7 +51,9 @@ TEST_F(ProgrammabfragenTest, AnweisungenStimmenBisAufsLeerzeichen) {
     for (const auto& [art, sender, erwartet] : zeilen) {
         zustand->vorgaenge.clear();
         zustand->naechsteFehler = {1};
-        EXPECT_EQ(fehlerVon([&] { Programmabfragen::abfragen(zugriff, db, art, silvester, *sender); }).nummer,
+        EXPECT_EQ(fehlerVon([&, art = art, &sender = sender] {
+                      Programmabfragen::abfragen(zugriff, db, art, silvester, *sender);
+                  }).nummer,
                   erwartet.empty() ? 0 : 1);
         const auto gesendet =
             erwartet.empty() ? FakeVorgang{} : FakeVorgang{"openRecordset", erwartet, 4, 256};

@@ -253,7 +253,7 @@ void appendDecimal(const Decimal& decimal, std::string& out) {
 
 // The first three groups are stored as little-endian numbers.
 void appendGuid(const Guid& g, std::string& out) {
-    for (const std::size_t i : {3, 2, 1, 0, 5, 4, 7, 6, 8, 9, 10, 11, 12, 13, 14, 15})
+    for (const std::size_t i : {3U, 2U, 1U, 0U, 5U, 4U, 7U, 6U, 8U, 9U, 10U, 11U, 12U, 13U, 14U, 15U})
         out.push_back(static_cast<char>(g[i]));
 }
 
