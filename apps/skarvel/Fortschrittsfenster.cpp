@@ -23,6 +23,7 @@ Fortschrittsfenster::Fortschrittsfenster(std::function<void()> beimEnden) : beim
 
     status_.setObjectName(QStringLiteral("LabelStatus"));
     status_.setWordWrap(true);
+    status_.setMinimumHeight(2 * status_.fontMetrics().lineSpacing());  // the balance at the end
     status_.setTextInteractionFlags(Qt::TextSelectableByMouse);
     fortschritt_.setObjectName(QStringLiteral("ProgressBarFortschritt"));
     fortschritt_.setAccessibleName(QStringLiteral("Fortschritt des Live-Updates"));
