@@ -64,6 +64,9 @@ class Aufzeichner(Lomrick):
             datei.write(SKRIPT.format(tv=self.tv, log=self.log, wie=wie))
         self.quillon('--anlegen', Skript='probe.cfs', TVOrdner=self.ordner, Aufzeichnungsordner=self.rec, Vorlauf=0,
                      Nachlauf=0, Debuganzeige='ja', **einstellungen)
+        self.fuelle()
+
+    def fuelle(self):
         self.sql("Insert Into Sender (Bezeichnung,Senderkennung,Favorit) Values ('07 Das Erste','ARD',true)",
                  "Insert Into Markierungen (User,Pos,Sendung,Senderkennung,Datum,Uhrzeit,Dauer,Aufzeichnung,"
                  f"KzAusblenden,Optionen) Values ('PC-BUERO',1,'{TITEL}','ARD',#12/24/2012#,#20:15:00#,'1',true,0,'')")
@@ -296,4 +299,5 @@ def vlc():
 
 
 FAELLE = {'abend': [abend], 'abbruch': [abbruch, umschalten], 'pannen': [nie, haengt, schliesst], 'mpv': [mpv], 'vlc': [vlc]}
-pruefe_alle(*FAELLE[sys.argv[1]])
+if __name__ == '__main__':
+    pruefe_alle(*FAELLE[sys.argv[1]])
