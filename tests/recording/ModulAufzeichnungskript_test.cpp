@@ -115,7 +115,7 @@ TEST_F(Skriptlauf, AListRunsInOrderUpToItsFirstFailureWhateverIsLoadedMeanwhile)
         EXPECT_EQ(fehler.zeilennummer(), 12);
         EXPECT_EQ(fehler.beschreibung(), "Unbekannter Befehl \"falsch\" gefunden.");
     }
-    EXPECT_EQ(fakes.aufrufe.anzahl(Portart::Fernsteuerung), 2);
+    EXPECT_EQ(fakes.aufrufe.anzahl("Fernsteuerung"), 2);
     EXPECT_NO_THROW(interpreter.AufnahmeBeenden());
 }
 
@@ -138,7 +138,7 @@ TEST_F(Skriptlauf, AReasonToStopEndsEndlessScripts) {
     skript.befehlAufnahmeStarten = Befehlsliste(1001, {"terminieren,x", 5});
     interpreter.setzeSkript(skript);
     EXPECT_THROW(interpreter.AufnahmeStarten(), Skriptfehler);
-    EXPECT_EQ(fakes.aufrufe.anzahl(Portart::Prozesse), 1000);
+    EXPECT_EQ(fakes.aufrufe.anzahl("Prozesse"), 1000);
 }
 
 }  // namespace

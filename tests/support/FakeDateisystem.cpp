@@ -62,7 +62,7 @@ void FakeDateisystem::neustart() {
 
 bool FakeDateisystem::vorgang(std::string_view name, const std::string& pfad) {
     if (tot_) return false;
-    aufrufe().notiere(Portart::Dateisystem, name, pfad);
+    notiere(name, pfad);
     return !(scheitert && scheitert(std::string(name), pfad));
 }
 

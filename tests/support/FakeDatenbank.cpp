@@ -13,7 +13,7 @@ using Zustand = std::shared_ptr<FakeDatenbankzustand>;
 
 void merke(const Zustand& zustand, const char* art, const std::string& text, std::optional<int> typ = {},
            std::optional<int> optionen = {}) {
-    zustand->aufrufe->notiere(Portart::Datenbank, art, text);
+    zustand->journal->notiere(art, text);
     if (zustand->mitschreiben) zustand->vorgaenge.push_back({art, text, typ, optionen});
 }
 
@@ -180,23 +180,12 @@ std::vector<std::string> FakeDatenbankzustand::anweisungen() const {
     return texte;
 }
 
-FakeDatenbankmaschinen::FakeDatenbankmaschinen(Aufrufe* gemeinsam)
-    : FakeBasis(gemeinsam), zustand_(std::make_shared<FakeDatenbankzustand>()) {
-    zustand_->aufrufe = &aufrufe();
-}
-
 std::unique_ptr<Datenbankmaschine> FakeDatenbankmaschinen::maschine(const std::string& kennung,
                                                                     bool vorhanden) {
-    aufrufe().notiere(Portart::Datenbank, "maschine", kennung);
+    notiere("maschine", kennung);
     versuche.push_back(kennung);
     if (!vorhanden) throw Fehler(429, "FakeDatenbankmaschinen", "Objekterstellung nicht möglich.");
     return std::make_unique<FakeDatenbankmaschine>(zustand_);
-}
-
-std::unique_ptr<Datenbankmaschine> FakeDatenbankmaschinen::direkt() { return maschine("", direktVorhanden); }
-
-std::unique_ptr<Datenbankmaschine> FakeDatenbankmaschinen::nachProgrammkennung(const std::string& kennung) {
-    return maschine(kennung, kennungenVorhanden.contains(kennung));
 }
 
 }  // namespace wendel

@@ -1,7 +1,6 @@
 #include "support/Fakes.h"
 
 #include <algorithm>
-#include <numeric>
 #include <utility>
 
 #include "platform/Text.h"
@@ -10,53 +9,37 @@ namespace wendel {
 
 // ---- journal ----
 
-void Aufrufe::notiere(Portart art, std::string_view vorgang, std::string_view argumente) {
-    zaehle(art);
-    if (!mitschreiben) return;
-    static constexpr std::array<std::string_view, kPortarten> kNamen = {
-        "Uhr",          "Dateisystem",   "Meldungen",         "Fenstersystem",   "Klang",     "Prozesse",
-        "Dateistarter", "Automation",    "TaskleistenSymbol", "Rechner",         "Datenbank", "Fernsteuerung",
-        "Energie",      "Registrierung", "Einwahl",           "Statusverbindung"};
-    std::string zeile(kNamen[static_cast<std::size_t>(art)]);
+void FakeBasis::notiere(std::string_view vorgang, std::string_view argumente) {
+    zaehle();
+    if (!aufrufe_.mitschreiben) return;
+    std::string& zeile = aufrufe_.zeilen.emplace_back(port_);
     zeile.append(".").append(vorgang).append("(").append(argumente).append(")");
-    zeilen.push_back(std::move(zeile));
 }
 
 std::int64_t Aufrufe::anzahlOhneUhr() const {
-    return std::accumulate(anzahl_.begin(), anzahl_.end(), std::int64_t{0}) - anzahl(Portart::Uhr);
+    std::int64_t summe = 0;
+    for (const auto& [port, anzahl] : anzahl_)
+        summe += port == "Uhr" ? 0 : anzahl;
+    return summe;
 }
 
 void Aufrufe::leeren() {
-    anzahl_.fill(0);
+    for (auto& [port, anzahl] : anzahl_)
+        anzahl = 0;
     zeilen.clear();
 }
 
 // ---- clock ----
 
-void FakeUhr::vorMs(std::int64_t ms) {
-    wanduhrMs_ += ms;
-    laufzeitMs_ += ms;
-}
-
-Datum FakeUhr::jetzt() {
-    aufrufe().zaehle(Portart::Uhr);
-    return Datum::ausSekunden(wanduhrMs_ / 1000);
-}
-
-std::int64_t FakeUhr::laufzeitMs() {
-    aufrufe().zaehle(Portart::Uhr);
-    return laufzeitMs_;
-}
-
 void FakeUhr::schlafe(int ms) {
-    aufrufe().notiere(Portart::Uhr, "schlafe", std::to_string(ms));
+    notiere("schlafe", std::to_string(ms));
     schlafdauern.push_back(ms);
     vorMs(ms);
     if (beimSchlafen) beimSchlafen(ms);
 }
 
 void FakeUhr::nachrichtenVerarbeiten() {
-    aufrufe().notiere(Portart::Uhr, "nachrichtenVerarbeiten");
+    notiere("nachrichtenVerarbeiten");
     ++nachrichtenlaeufe;
     if (beiNachrichten) beiNachrichten();
 }
@@ -74,7 +57,7 @@ Antwort ablehnung(int stil) {
 }  // namespace
 
 Antwort FakeMeldungen::meldung(const std::string& text, int stil, const std::string& titel) {
-    aufrufe().notiere(Portart::Meldungen, "meldung", titel);
+    notiere("meldung", titel);
     gezeigt.push_back({text, stil, titel});
     if (imKasten) imKasten(Kasten{text, stil, titel});
     if (antworten.empty()) return ablehnung(stil);
@@ -85,52 +68,25 @@ Antwort FakeMeldungen::meldung(const std::string& text, int stil, const std::str
 
 void FakeMeldungen::zeigeFehlerOhneWarten(const std::string& text, int, const std::string&,
                                           const std::string&, const std::string&) {
-    aufrufe().notiere(Portart::Meldungen, "zeigeFehlerOhneWarten", text);
+    notiere("zeigeFehlerOhneWarten", text);
     fehler.push_back(text);
 }
 
 // ---- windows ----
 
-Fensterhandle FakeFenstersystem::vordergrundfenster() {
-    aufrufe().notiere(Portart::Fenstersystem, "vordergrundfenster");
-    return vordergrund;
-}
-
-std::uint64_t FakeFenstersystem::fensterThread(Fensterhandle handle) {
-    aufrufe().notiere(Portart::Fenstersystem, "fensterThread", std::to_string(handle));
-    return fenster[handle].thread;
-}
-
 void FakeFenstersystem::eingabeVerbinden(std::uint64_t vonThread, std::uint64_t zuThread, bool verbinden) {
-    aufrufe().notiere(
-        Portart::Fenstersystem, "eingabeVerbinden",
-        std::to_string(vonThread) + ", " + std::to_string(zuThread) + (verbinden ? ", an" : ", aus"));
+    notiere("eingabeVerbinden",
+            std::to_string(vonThread) + ", " + std::to_string(zuThread) + (verbinden ? ", an" : ", aus"));
 }
 
 bool FakeFenstersystem::vordergrundSetzen(Fensterhandle handle) {
-    aufrufe().notiere(Portart::Fenstersystem, "vordergrundSetzen", std::to_string(handle));
+    notiere("vordergrundSetzen", handle);
     if (vordergrundErlaubt) vordergrund = handle;
     return vordergrund == handle;
 }
 
-bool FakeFenstersystem::istMinimiert(Fensterhandle handle) {
-    aufrufe().notiere(Portart::Fenstersystem, "istMinimiert", std::to_string(handle));
-    return fenster[handle].minimiert;
-}
-
-void FakeFenstersystem::wiederherstellen(Fensterhandle handle) {
-    aufrufe().notiere(Portart::Fenstersystem, "wiederherstellen", std::to_string(handle));
-    fenster[handle].minimiert = false;
-    fenster[handle].sichtbar = true;
-}
-
-void FakeFenstersystem::zeigen(Fensterhandle handle) {
-    aufrufe().notiere(Portart::Fenstersystem, "zeigen", std::to_string(handle));
-    fenster[handle].sichtbar = true;
-}
-
 bool FakeFenstersystem::aktivierenNachTitel(const std::string& titel) {
-    aufrufe().notiere(Portart::Fenstersystem, "aktivierenNachTitel", titel);
+    notiere("aktivierenNachTitel", titel);
     for (const auto& [handle, eintrag] : fenster) {
         if (eintrag.titel != titel) continue;
         vordergrund = handle;
@@ -139,54 +95,30 @@ bool FakeFenstersystem::aktivierenNachTitel(const std::string& titel) {
     return false;
 }
 
-void FakeFenstersystem::sanduhr(bool an) {
-    aufrufe().notiere(Portart::Fenstersystem, "sanduhr", an ? "an" : "aus");
-    sanduhrAn = an;
-}
-
 // ---- sound, processes, starts, automation ----
 
-int FakeKlang::ausgabegeraete() {
-    aufrufe().notiere(Portart::Klang, "ausgabegeraete");
-    return geraete;
-}
-
-void FakeKlang::spieleAsynchron(const std::string& pfad) {
-    aufrufe().notiere(Portart::Klang, "spieleAsynchron", pfad);
-    gespielt.push_back(pfad);
-}
-
-std::vector<Prozess> FakeProzesse::liste() {
-    aufrufe().notiere(Portart::Prozesse, "liste");
-    return laufende;
-}
-
 bool FakeProzesse::beenden(std::uint32_t id) {
-    aufrufe().notiere(Portart::Prozesse, "beenden", std::to_string(id));
-    const auto treffer = std::find_if(laufende.begin(), laufende.end(),
-                                      [id](const Prozess& prozess) { return prozess.id == id; });
-    if (treffer == laufende.end() || id == kEigene) return false;
-    laufende.erase(treffer);
+    notiere("beenden", id);
+    if (std::erase_if(laufende, [id](const Prozess& p) { return p.id == id; }) == 0) return false;
     beendet.push_back(id);
     return true;
 }
 
 int FakeStarter::ausfuehren(const std::string& datei, const std::string& parameter, const std::string& ordner,
                             int fensterstil) {
-    aufrufe().notiere(Portart::Dateistarter, "ausfuehren", datei);
+    notiere("ausfuehren", datei);
     gestartet.push_back({datei, parameter, ordner, fensterstil});
     return ergebnis;
 }
 
 bool FakeAutomation::rufeDoThis(const std::string& klasse, const std::string& text) {
-    aufrufe().notiere(Portart::Automation, "rufeDoThis", klasse + ", " + text);
+    notiere("rufeDoThis", klasse + ", " + text);
     rufe.push_back({klasse, text});
     return true;
 }
 
 void FakeAutomation::setzeWartemeldung(const std::string& titel, const std::string& text, int zeitMs) {
-    aufrufe().notiere(Portart::Automation, "setzeWartemeldung",
-                      titel + ", " + text + ", " + std::to_string(zeitMs));
+    notiere("setzeWartemeldung", titel + ", " + text + ", " + std::to_string(zeitMs));
 }
 
 // ---- tray ----
@@ -205,31 +137,16 @@ void FakeSymbol::merke(std::span<const std::uint8_t, 88> datensatz, bool neu) {
         std::copy(datensatz.begin(), datensatz.end(), symbole[kennung].begin());
 }
 
-void FakeSymbol::hinzufuegen(std::span<const std::uint8_t, 88> datensatz) {
-    aufrufe().notiere(Portart::TaskleistenSymbol, "hinzufuegen");
-    merke(datensatz, true);
-}
-
-void FakeSymbol::aendern(std::span<const std::uint8_t, 88> datensatz) {
-    aufrufe().notiere(Portart::TaskleistenSymbol, "aendern");
-    merke(datensatz, false);
-}
-
-void FakeSymbol::entfernen(std::uint32_t kennung) {
-    aufrufe().notiere(Portart::TaskleistenSymbol, "entfernen", std::to_string(kennung));
-    symbole.erase(kennung);
-}
-
 // ---- computer ----
 
 bool FakeRechner::rechnername(std::string& puffer) {
-    aufrufe().notiere(Portart::Rechner, "rechnername");
+    notiere("rechnername");
     if (nameBekannt) puffer = name;
     return nameBekannt;
 }
 
 double FakeRechner::zufall() {
-    aufrufe().notiere(Portart::Rechner, "zufall");
+    notiere("zufall");
     if (zufallszahlen.empty()) return 0.5;
     const double naechste = zufallszahlen.front();
     zufallszahlen.pop_front();
@@ -237,7 +154,7 @@ double FakeRechner::zufall() {
 }
 
 std::optional<std::string> FakeRechner::spezialordner(int nummer) {
-    aufrufe().notiere(Portart::Rechner, "spezialordner", std::to_string(nummer));
+    notiere("spezialordner", std::to_string(nummer));
     const auto pfad = spezialordnerpfade.find(nummer);
     return pfad == spezialordnerpfade.end() ? std::nullopt : std::optional(pfad->second);
 }
@@ -245,13 +162,13 @@ std::optional<std::string> FakeRechner::spezialordner(int nummer) {
 // ---- other programs, energy ----
 
 bool FakeFernsteuerung::starteBefehlszeile(const std::string& befehlszeile) {
-    aufrufe().notiere(Portart::Fernsteuerung, "starteBefehlszeile", befehlszeile);
+    notiere("starteBefehlszeile", befehlszeile);
     if (beimStart && !beimStart(befehlszeile)) return false;
     return !fehlendeProgramme.contains(befehlszeile);
 }
 
 Fensterhandle FakeFernsteuerung::fensterNachTitel(const std::string& titel) {
-    aufrufe().notiere(Portart::Fernsteuerung, "fensterNachTitel", titel);
+    notiere("fensterNachTitel", titel);
     const auto offen = std::find(fenster.begin(), fenster.end(), titel);
     if (offen != fenster.end()) return static_cast<Fensterhandle>(offen - fenster.begin()) + 1;
     const auto spaeter = oeffnetUm.find(titel);
@@ -260,35 +177,14 @@ Fensterhandle FakeFernsteuerung::fensterNachTitel(const std::string& titel) {
     return fenster.size();
 }
 
-void FakeFernsteuerung::zeigeNormal(Fensterhandle handle) {
-    aufrufe().notiere(Portart::Fernsteuerung, "zeigeNormal", std::to_string(handle));
-}
-
-bool FakeFernsteuerung::aktivieren(const std::string& titel) {
-    aufrufe().notiere(Portart::Fernsteuerung, "aktivieren", titel);
-    return fensterNachTitel(titel) != 0;
-}
-
 bool FakeFernsteuerung::sendeTasten(std::span<const Tastenereignis> ereignisse) {
-    aufrufe().notiere(Portart::Fernsteuerung, "sendeTasten", std::to_string(ereignisse.size()));
+    notiere("sendeTasten", ereignisse.size());
     gesendet.emplace_back(ereignisse.begin(), ereignisse.end());
     return nimmtTasten;
 }
 
-void FakeFernsteuerung::signalton() { aufrufe().notiere(Portart::Fernsteuerung, "signalton"); }
-
-void FakeEnergie::wachhalten(const std::string& grund) {
-    aufrufe().notiere(Portart::Energie, "wachhalten", grund);
-    wach = true;
-}
-
-void FakeEnergie::schlafErlauben() {
-    aufrufe().notiere(Portart::Energie, "schlafErlauben");
-    wach = false;
-}
-
 bool FakeEnergie::weckenUm(std::optional<Datum> moment) {
-    aufrufe().notiere(Portart::Energie, "weckenUm", moment ? datumKompakt(*moment) : "");
+    notiere("weckenUm", moment ? datumKompakt(*moment) : "");
     weckzeit = weckenErlaubt ? moment : std::nullopt;
     return weckenErlaubt;
 }
@@ -296,7 +192,7 @@ bool FakeEnergie::weckenUm(std::optional<Datum> moment) {
 Registrierung::Schluessel FakeRegistrierung::oeffnen(Registrierungswurzel wurzel, const std::string& pfad,
                                                      std::uint32_t) {
     const std::string ganzer = (wurzel == Registrierungswurzel::Rechner ? "HKLM\\" : "HKCU\\") + pfad;
-    aufrufe().notiere(Portart::Registrierung, "oeffnen", ganzer);
+    notiere("oeffnen", ganzer);
     if (!schluessel.contains(ganzer)) return 0;
     const Schluessel neu = offene_.empty() ? 1 : offene_.rbegin()->first + 1;
     offene_[neu] = ganzer;
@@ -319,17 +215,13 @@ std::optional<Registrierungswert> FakeRegistrierung::frageWert(Schluessel offen,
     return wert == werte.end() ? std::nullopt : std::optional(wert->second);
 }
 
-bool FakeRegistrierung::loescheWert(Schluessel offen, const std::string& name) {
-    return werte.erase(offene_.at(offen) + "\\" + name) > 0;
-}
-
 void FakeStatusverbindung::sage(const std::string& label, const std::string& code) {
     if (verbunden) empfaenger_.statusLabel(label);
     if (verbunden) empfaenger_.statusCode(code);
 }
 
 bool FakeStatusverbindung::verbinden(const Empfaenger& empfaenger) {
-    aufrufe().notiere(Portart::Statusverbindung, "verbinden");
+    notiere("verbinden");
     empfaenger_ = empfaenger;
     return verbunden = bedient;
 }

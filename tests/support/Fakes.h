@@ -27,77 +27,66 @@
 
 namespace wendel {
 
-// The kinds of calls that an idle program must not make; openings and statements count as Datenbank.
-enum class Portart {
-    Uhr,
-    Dateisystem,
-    Meldungen,
-    Fenstersystem,
-    Klang,
-    Prozesse,
-    Dateistarter,
-    Automation,
-    TaskleistenSymbol,
-    Rechner,
-    Datenbank,
-    Fernsteuerung,
-    Energie,
-    Registrierung,
-    Einwahl,
-    Statusverbindung
-};
-inline constexpr std::size_t kPortarten = 16;
-
-// The common journal: numbers of calls by kind and, while mitschreiben is set, one line per call in their
-// order, "Fenstersystem.zeigen(7)". Clock readings are only counted.
+// The common journal: numbers of calls by the port's name, and while mitschreiben is set one line per call in
+// their order, "Fenstersystem.zeigen(7)". Clock readings are only counted; openings and statements count as
+// "Datenbank".
 class Aufrufe {
   public:
     bool mitschreiben = true;
     std::vector<std::string> zeilen;
 
-    void zaehle(Portart art) { ++anzahl_[static_cast<std::size_t>(art)]; }
-    void notiere(Portart art, std::string_view vorgang, std::string_view argumente = {});
-
-    std::int64_t anzahl(Portart art) const { return anzahl_[static_cast<std::size_t>(art)]; }
+    // Stays where it is.
+    std::int64_t& zaehler(const std::string& port) { return anzahl_[port]; }
+    // Of a port that has a fake here.
+    std::int64_t anzahl(const std::string& port) const { return anzahl_.at(port); }
     // All calls but those to the clock.
     std::int64_t anzahlOhneUhr() const;
     void leeren();
 
   private:
-    std::array<std::int64_t, kPortarten> anzahl_{};
+    std::map<std::string, std::int64_t> anzahl_;
 };
 
 // Base of the fakes: writes into the common journal, or into its own when it stands alone.
 class FakeBasis {
   public:
-    explicit FakeBasis(Aufrufe* gemeinsam = nullptr) : aufrufe_(gemeinsam ? gemeinsam : &eigene_) {}
+    FakeBasis(const char* port, Aufrufe* gemeinsam)
+        : port_(port), aufrufe_(gemeinsam ? *gemeinsam : eigene_), zaehler_(aufrufe_.zaehler(port)) {}
     FakeBasis(const FakeBasis&) = delete;
     FakeBasis& operator=(const FakeBasis&) = delete;
-    Aufrufe& aufrufe() { return *aufrufe_; }
+    Aufrufe& aufrufe() { return aufrufe_; }
+
+    void zaehle() { ++zaehler_; }
+    void notiere(std::string_view vorgang, std::string_view argumente = {});
+    void notiere(std::string_view vorgang, std::uintptr_t argument) {
+        notiere(vorgang, std::to_string(argument));
+    }
 
   private:
+    const char* port_;
     Aufrufe eigene_;
-    Aufrufe* aufrufe_;
+    Aufrufe& aufrufe_;
+    std::int64_t& zaehler_;
 };
 
 // Begins on 24 December 2012, 20:00:00.
 class FakeUhr : public FakeBasis, public Uhr {
   public:
-    using FakeBasis::FakeBasis;
+    explicit FakeUhr(Aufrufe* gemeinsam = nullptr) : FakeBasis("Uhr", gemeinsam) {}
 
     // A clock step: wall-clock time jumps, the running time does not notice.
     void stelle(Datum wanduhr) { wanduhrMs_ = wanduhr.sekunden() * 1000; }
     // Both go on; a suspended machine is a large step.
     void vor(std::int64_t sekunden) { vorMs(sekunden * 1000); }
-    void vorMs(std::int64_t ms);
+    void vorMs(std::int64_t ms) { wanduhrMs_ += ms, laufzeitMs_ += ms; }
 
     std::vector<int> schlafdauern;  // every schlafe(), in ms
     int nachrichtenlaeufe = 0;
     std::function<void(int ms)> beimSchlafen;
     std::function<void()> beiNachrichten;
 
-    Datum jetzt() override;
-    std::int64_t laufzeitMs() override;
+    Datum jetzt() override { return zaehle(), Datum::ausSekunden(wanduhrMs_ / 1000); }
+    std::int64_t laufzeitMs() override { return zaehle(), laufzeitMs_; }
     void schlafe(int ms) override;
     void nachrichtenVerarbeiten() override;
 
@@ -117,7 +106,7 @@ class FakeDateisystem : public FakeBasis, public Dateisystem {
     // other single steps are done or not done, never half.
     enum class Rest { Nichts, Haelfte, Alles };
 
-    using FakeBasis::FakeBasis;
+    explicit FakeDateisystem(Aufrufe* gemeinsam = nullptr) : FakeBasis("Dateisystem", gemeinsam) {}
 
     // For setting up and looking: not counted, never failing.
     void lege(const std::string& pfad, std::string inhalt);  // makes the folders too
@@ -144,16 +133,16 @@ class FakeDateisystem : public FakeBasis, public Dateisystem {
     std::optional<std::uint64_t> groesse(const std::string& pfad) override;
     std::optional<Dateistand> stand(const std::string& pfad) override;
     std::optional<std::string> lesen(const std::string& pfad) override;
-    [[nodiscard]] bool anlegen(const std::string& pfad) override;
-    [[nodiscard]] bool ueberschreibenAmAnfang(const std::string& pfad, std::string_view inhalt) override;
-    [[nodiscard]] bool schreiben(const std::string& pfad, std::string_view inhalt) override;
-    [[nodiscard]] bool ersetzen(const std::string& pfad, std::string_view inhalt) override;
-    [[nodiscard]] bool anhaengen(const std::string& pfad, std::string_view inhalt) override;
-    [[nodiscard]] bool loeschen(const std::string& pfad) override;
-    [[nodiscard]] bool umbenennen(const std::string& von, const std::string& nach) override;
+    bool anlegen(const std::string& pfad) override;
+    bool ueberschreibenAmAnfang(const std::string& pfad, std::string_view inhalt) override;
+    bool schreiben(const std::string& pfad, std::string_view inhalt) override;
+    bool ersetzen(const std::string& pfad, std::string_view inhalt) override;
+    bool anhaengen(const std::string& pfad, std::string_view inhalt) override;
+    bool loeschen(const std::string& pfad) override;
+    bool umbenennen(const std::string& von, const std::string& nach) override;
     std::optional<std::vector<Ordnereintrag>> ordnerinhalt(const std::string& pfad) override;
-    [[nodiscard]] bool ordnerAnlegen(const std::string& pfad) override;
-    [[nodiscard]] bool ordnerWechseln(const std::string& pfad) override;
+    bool ordnerAnlegen(const std::string& pfad) override;
+    bool ordnerWechseln(const std::string& pfad) override;
     std::string pfadAnzeige(const std::string& pfad) override { return pfad; }
 
   private:
@@ -184,7 +173,7 @@ class FakeMeldungen : public FakeBasis, public Meldungen {
         friend bool operator==(const Kasten&, const Kasten&) = default;
     };
 
-    using FakeBasis::FakeBasis;
+    explicit FakeMeldungen(Aufrufe* gemeinsam = nullptr) : FakeBasis("Meldungen", gemeinsam) {}
 
     // Answers in their order; after the last one every box is declined: cancel, no, or plain OK.
     std::deque<Antwort> antworten;
@@ -204,52 +193,53 @@ class FakeFenstersystem : public FakeBasis, public Fenstersystem {
         std::string titel;
         std::uint64_t thread = 1;
         bool minimiert = false;
-        bool sichtbar = false;
     };
 
-    using FakeBasis::FakeBasis;
+    explicit FakeFenstersystem(Aufrufe* gemeinsam = nullptr) : FakeBasis("Fenstersystem", gemeinsam) {}
 
     std::map<Fensterhandle, Fenster> fenster;  // others come into being when they are asked about
     Fensterhandle vordergrund = 0;
     bool vordergrundErlaubt = true;
     bool sanduhrAn = false;
-    Punkt zeigerort{1900, 1030};
 
-    Punkt zeiger() override { return aufrufe().zaehle(Portart::Fenstersystem), zeigerort; }
-    Arbeitsbereich arbeitsbereich() override {
-        return aufrufe().zaehle(Portart::Fenstersystem), Arbeitsbereich{0, 0, 1920, 1040};
+    Punkt zeiger() override { return zaehle(), Punkt{1900, 1030}; }
+    Arbeitsbereich arbeitsbereich() override { return zaehle(), Arbeitsbereich{0, 0, 1920, 1040}; }
+    Fensterhandle vordergrundfenster() override { return notiere("vordergrundfenster"), vordergrund; }
+    std::uint64_t fensterThread(Fensterhandle handle) override {
+        return notiere("fensterThread", handle), fenster[handle].thread;
     }
-    Fensterhandle vordergrundfenster() override;
-    std::uint64_t fensterThread(Fensterhandle handle) override;
     void eingabeVerbinden(std::uint64_t vonThread, std::uint64_t zuThread, bool verbinden) override;
     bool vordergrundSetzen(Fensterhandle handle) override;
-    bool istMinimiert(Fensterhandle handle) override;
-    void wiederherstellen(Fensterhandle handle) override;
-    void zeigen(Fensterhandle handle) override;
+    bool istMinimiert(Fensterhandle handle) override {
+        return notiere("istMinimiert", handle), fenster[handle].minimiert;
+    }
+    void wiederherstellen(Fensterhandle handle) override {
+        notiere("wiederherstellen", handle), fenster[handle].minimiert = false;
+    }
+    void zeigen(Fensterhandle handle) override { notiere("zeigen", handle); }
     bool aktivierenNachTitel(const std::string& titel) override;
-    void sanduhr(bool an) override;
+    void sanduhr(bool an) override { notiere("sanduhr", an ? "an" : "aus"), sanduhrAn = an; }
 };
 
 class FakeKlang : public FakeBasis, public Klang {
   public:
-    using FakeBasis::FakeBasis;
-    int geraete = 1;
+    explicit FakeKlang(Aufrufe* gemeinsam = nullptr) : FakeBasis("Klang", gemeinsam) {}
     std::vector<std::string> gespielt;
 
-    int ausgabegeraete() override;
-    void spieleAsynchron(const std::string& pfad) override;
+    int ausgabegeraete() override { return notiere("ausgabegeraete"), 1; }
+    void spieleAsynchron(const std::string& pfad) override {
+        notiere("spieleAsynchron", pfad), gespielt.push_back(pfad);
+    }
 };
 
 class FakeProzesse : public FakeBasis, public Prozesse {
   public:
-    using FakeBasis::FakeBasis;
+    explicit FakeProzesse(Aufrufe* gemeinsam = nullptr) : FakeBasis("Prozesse", gemeinsam) {}
     std::vector<Prozess> laufende;
-    static constexpr std::uint32_t kEigene = 4711;  // the calling process, never ended
-    std::vector<std::uint32_t> beendet;             // successful ends; the process leaves laufende
+    std::vector<std::uint32_t> beendet;  // successful ends; the process leaves laufende
 
-    std::vector<Prozess> liste() override;
-    [[nodiscard]] bool beenden(std::uint32_t id) override;
-    int plattformkennung() override { return 2; }
+    std::vector<Prozess> liste() override { return notiere("liste"), laufende; }
+    bool beenden(std::uint32_t id) override;
 };
 
 class FakeStarter : public FakeBasis, public Dateistarter {
@@ -259,7 +249,7 @@ class FakeStarter : public FakeBasis, public Dateistarter {
         int fensterstil = 0;
         friend bool operator==(const Start&, const Start&) = default;
     };
-    using FakeBasis::FakeBasis;
+    explicit FakeStarter(Aufrufe* gemeinsam = nullptr) : FakeBasis("Dateistarter", gemeinsam) {}
     int ergebnis = 33;
     std::vector<Start> gestartet;
 
@@ -273,10 +263,10 @@ class FakeAutomation : public FakeBasis, public Automation {
         std::string klasse, text;
         friend bool operator==(const Ruf&, const Ruf&) = default;
     };
-    using FakeBasis::FakeBasis;
+    explicit FakeAutomation(Aufrufe* gemeinsam = nullptr) : FakeBasis("Automation", gemeinsam) {}
     std::vector<Ruf> rufe;
 
-    [[nodiscard]] bool rufeDoThis(const std::string& klasse, const std::string& text) override;
+    bool rufeDoThis(const std::string& klasse, const std::string& text) override;
     void setzeWartemeldung(const std::string& titel, const std::string& text, int zeitMs) override;
 };
 
@@ -285,15 +275,19 @@ class FakeAutomation : public FakeBasis, public Automation {
 class FakeSymbol : public FakeBasis, public TaskleistenSymbol {
   public:
     using Datensatz = std::array<std::uint8_t, 88>;
-    using FakeBasis::FakeBasis;
+    explicit FakeSymbol(Aufrufe* gemeinsam = nullptr) : FakeBasis("TaskleistenSymbol", gemeinsam) {}
 
     std::map<std::uint32_t, Datensatz> symbole;  // what the tray shows now
     // Tooltip of the only icon, "" when there is none.
     std::string tooltip() const;
 
-    void hinzufuegen(std::span<const std::uint8_t, 88> datensatz) override;
-    void aendern(std::span<const std::uint8_t, 88> datensatz) override;
-    void entfernen(std::uint32_t kennung) override;
+    void hinzufuegen(std::span<const std::uint8_t, 88> datensatz) override {
+        notiere("hinzufuegen"), merke(datensatz, true);
+    }
+    void aendern(std::span<const std::uint8_t, 88> datensatz) override {
+        notiere("aendern"), merke(datensatz, false);
+    }
+    void entfernen(std::uint32_t kennung) override { notiere("entfernen", kennung), symbole.erase(kennung); }
 
   private:
     void merke(std::span<const std::uint8_t, 88> datensatz, bool neu);
@@ -301,13 +295,13 @@ class FakeSymbol : public FakeBasis, public TaskleistenSymbol {
 
 class FakeRechner : public FakeBasis, public Rechner {
   public:
-    using FakeBasis::FakeBasis;
+    explicit FakeRechner(Aufrufe* gemeinsam = nullptr) : FakeBasis("Rechner", gemeinsam) {}
     std::string name = "PC-BUERO";
     bool nameBekannt = true;
     std::deque<double> zufallszahlen;  // in their order, afterwards 0.5
 
-    [[nodiscard]] bool rechnername(std::string& puffer) override;
-    std::int32_t freierSpeicher() override { return aufrufe().zaehle(Portart::Rechner), 123456789; }
+    bool rechnername(std::string& puffer) override;
+    std::int32_t freierSpeicher() override { return zaehle(), 123456789; }
     std::optional<std::string> spezialordner(int nummer) override;
     double zufall() override;
 
@@ -319,7 +313,7 @@ class FakeRechner : public FakeBasis, public Rechner {
 class FakeFernsteuerung : public FakeBasis, public Fernsteuerung {
   public:
     explicit FakeFernsteuerung(Aufrufe* gemeinsam = nullptr, FakeUhr* uhr = nullptr)
-        : FakeBasis(gemeinsam), uhr_(uhr) {}
+        : FakeBasis("Fernsteuerung", gemeinsam), uhr_(uhr) {}
 
     std::string hindernisText;
     std::set<std::string> fehlendeProgramme;                         // by whole command line
@@ -332,10 +326,12 @@ class FakeFernsteuerung : public FakeBasis, public Fernsteuerung {
     std::string hindernis() override { return hindernisText; }
     bool starteBefehlszeile(const std::string& befehlszeile) override;
     Fensterhandle fensterNachTitel(const std::string& titel) override;
-    void zeigeNormal(Fensterhandle handle) override;
-    bool aktivieren(const std::string& titel) override;
+    void zeigeNormal(Fensterhandle handle) override { notiere("zeigeNormal", handle); }
+    bool aktivieren(const std::string& titel) override {
+        return notiere("aktivieren", titel), fensterNachTitel(titel) != 0;
+    }
     bool sendeTasten(std::span<const Tastenereignis> ereignisse) override;
-    void signalton() override;
+    void signalton() override { notiere("signalton"); }
 
   private:
     FakeUhr* uhr_;
@@ -343,20 +339,20 @@ class FakeFernsteuerung : public FakeBasis, public Fernsteuerung {
 
 class FakeEnergie : public FakeBasis, public Energie {
   public:
-    using FakeBasis::FakeBasis;
+    explicit FakeEnergie(Aufrufe* gemeinsam = nullptr) : FakeBasis("Energie", gemeinsam) {}
     bool wach = false;
     bool weckenErlaubt = true;
     std::optional<Datum> weckzeit;
 
-    void wachhalten(const std::string& grund) override;
-    void schlafErlauben() override;
+    void wachhalten(const std::string& grund) override { notiere("wachhalten", grund), wach = true; }
+    void schlafErlauben() override { notiere("schlafErlauben"), wach = false; }
     bool weckenUm(std::optional<Datum> moment) override;
 };
 
 // Keys and values by their whole names, "HKCU\\Software\\Test" and "HKCU\\Software\\Test\\Name".
 class FakeRegistrierung : public FakeBasis, public Registrierung {
   public:
-    using FakeBasis::FakeBasis;
+    explicit FakeRegistrierung(Aufrufe* gemeinsam = nullptr) : FakeBasis("Registrierung", gemeinsam) {}
     std::set<std::string> schluessel;
     std::map<std::string, Registrierungswert> werte;
     bool vergesslich = false;  // writes succeed, and nothing is kept
@@ -364,11 +360,12 @@ class FakeRegistrierung : public FakeBasis, public Registrierung {
 
     Schluessel oeffnen(Registrierungswurzel wurzel, const std::string& pfad, std::uint32_t rechte) override;
     Schluessel anlegen(Registrierungswurzel wurzel, const std::string& pfad, std::uint32_t rechte) override;
-    [[nodiscard]] bool setzeWert(Schluessel offen, const std::string& name,
-                                 const Registrierungswert& wert) override;
+    bool setzeWert(Schluessel offen, const std::string& name, const Registrierungswert& wert) override;
     std::optional<Registrierungswert> frageWert(Schluessel offen, const std::string& name) override;
-    [[nodiscard]] bool loescheWert(Schluessel offen, const std::string& name) override;
-    [[nodiscard]] bool sichern(Schluessel) override { return true; }
+    bool loescheWert(Schluessel offen, const std::string& name) override {
+        return werte.erase(offene_.at(offen) + "\\" + name) > 0;
+    }
+    bool sichern(Schluessel) override { return true; }
     void schliessen(Schluessel offen) override { offene_.erase(offen); }
 
   private:
@@ -377,22 +374,20 @@ class FakeRegistrierung : public FakeBasis, public Registrierung {
 
 class FakeEinwahl : public FakeBasis, public Einwahl {
   public:
-    using FakeBasis::FakeBasis;
+    explicit FakeEinwahl(Aufrufe* gemeinsam = nullptr) : FakeBasis("Einwahl", gemeinsam) {}
     std::optional<std::vector<std::string>> verbindungen;
-    std::optional<std::vector<std::string>> aktiveVerbindungen() override {
-        return aufrufe().zaehle(Portart::Einwahl), verbindungen;
-    }
+    std::optional<std::vector<std::string>> aktiveVerbindungen() override { return zaehle(), verbindungen; }
 };
 
 // The update program's side of the link: it serves while `bedient` is set, and speaks with sage().
 class FakeStatusverbindung : public FakeBasis, public Statusverbindung {
   public:
-    using FakeBasis::FakeBasis;
+    explicit FakeStatusverbindung(Aufrufe* gemeinsam = nullptr) : FakeBasis("Statusverbindung", gemeinsam) {}
     bool bedient = false, verbunden = false;
 
     // Nobody hears it without a link.
     void sage(const std::string& label, const std::string& code);
-    [[nodiscard]] bool verbinden(const Empfaenger& empfaenger) override;
+    bool verbinden(const Empfaenger& empfaenger) override;
     void trennen() override { verbunden = false; }
 
   private:
@@ -419,7 +414,7 @@ struct FakeVorgang {
 // The script and the records of a fake engine. It outlives its databases and recordsets through shared
 // ownership.
 struct FakeDatenbankzustand {
-    Aufrufe* aufrufe = nullptr;
+    FakeBasis* journal = nullptr;
 
     // Asked first for each statement; nothing means: go on with the tables below.
     std::function<std::optional<FakeAntwort>(const std::string& sql)> dynamisch;
@@ -452,7 +447,9 @@ struct FakeDatenbankzustand {
 
 class FakeDatenbankmaschinen : public FakeBasis, public Datenbankmaschinen {
   public:
-    explicit FakeDatenbankmaschinen(Aufrufe* gemeinsam = nullptr);
+    explicit FakeDatenbankmaschinen(Aufrufe* gemeinsam = nullptr) : FakeBasis("Datenbank", gemeinsam) {
+        zustand_->journal = this;
+    }
 
     // The script; also the access to the records.
     FakeDatenbankzustand& operator*() { return *zustand_; }
@@ -462,12 +459,14 @@ class FakeDatenbankmaschinen : public FakeBasis, public Datenbankmaschinen {
     std::set<std::string> kennungenVorhanden;  // of those, nachProgrammkennung makes an engine
     std::vector<std::string> versuche;         // "" for direkt(), else the identifier, in order
 
-    std::unique_ptr<Datenbankmaschine> direkt() override;
-    std::unique_ptr<Datenbankmaschine> nachProgrammkennung(const std::string& kennung) override;
+    std::unique_ptr<Datenbankmaschine> direkt() override { return maschine("", direktVorhanden); }
+    std::unique_ptr<Datenbankmaschine> nachProgrammkennung(const std::string& kennung) override {
+        return maschine(kennung, kennungenVorhanden.contains(kennung));
+    }
 
   private:
     std::unique_ptr<Datenbankmaschine> maschine(const std::string& kennung, bool vorhanden);
-    std::shared_ptr<FakeDatenbankzustand> zustand_;
+    std::shared_ptr<FakeDatenbankzustand> zustand_ = std::make_shared<FakeDatenbankzustand>();
 };
 
 // One of each on one journal. The folder "\suite\" exists and is current.

@@ -1,18 +1,30 @@
 #pragma once
-// The number of the Fehler that an action throws, 0 when it throws none.
+// The Fehler that an action throws, as a value.
+
+#include <string>
 
 #include "platform/Fehler.h"
 
 namespace wendel {
 
+struct Gemeldet {
+    int nummer = 0;  // 0: no failure
+    std::string quelle, beschreibung;
+};
+
 template <class Tat>
-int fehlernummerVon(const Tat& tat) {
+Gemeldet fehlerVon(const Tat& tat) {
     try {
         tat();
     } catch (const Fehler& fehler) {
-        return fehler.nummer();
+        return {fehler.nummer(), fehler.quelle(), fehler.beschreibung()};
     }
-    return 0;
+    return {};
+}
+
+template <class Tat>
+int fehlernummerVon(const Tat& tat) {
+    return fehlerVon(tat).nummer;
 }
 
 }  // namespace wendel

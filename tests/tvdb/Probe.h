@@ -1,28 +1,13 @@
 #pragma once
-// What the tests of this folder share: the failure of a call as a value, and the gate to a fake database.
+// What the tests of this folder share: the gate to a fake database.
 
 #include <gtest/gtest.h>
 
-#include "platform/Fehler.h"
 #include "support/Fakes.h"
+#include "support/Fehlernummer.h"
 #include "tvdb/ModulDatenbankzugriff.h"
 
 namespace wendel {
-
-struct Gemeldet {
-    int nummer = 0;  // 0: no failure
-    std::string quelle, beschreibung;
-};
-
-template <class F>
-Gemeldet fehlerVon(F aufruf) {
-    try {
-        aufruf();
-        return {};
-    } catch (const Fehler& fehler) {
-        return {fehler.nummer(), fehler.quelle(), fehler.beschreibung()};
-    }
-}
 
 // Members of a record as one text, "Tatort|12|1|": a shifted one shows at a glance.
 template <class... Werte>

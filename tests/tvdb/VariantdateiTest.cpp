@@ -14,7 +14,7 @@ std::string hex(std::string_view text) {
     return bytes;
 }
 
-int fehlernummerVon(const std::string& bytes) {
+int lesefehler(const std::string& bytes) {
     const Gemeldet fehler = fehlerVon([&] { Variantdatei::gelesen(bytes); });
     EXPECT_EQ(fehler.quelle, fehler.nummer == 0 ? "" : "GetEinstellungsarray");
     return fehler.nummer;
@@ -70,11 +70,11 @@ TEST(Variantdatei, SchadenIstEinTypfehler) {
         "0c20 ffff 01000000 00000000",
         "0c20 0400 00000100 00000000 00000100 00000000 00000100 00000000 00000100 00000000"};
     for (const char* bytes : faelle)
-        EXPECT_EQ(fehlernummerVon(hex(bytes)), 13) << bytes;
-    EXPECT_EQ(fehlernummerVon(verschachtelt(Variantdatei::kHoechsteTiefe + 1)), 13);
+        EXPECT_EQ(lesefehler(hex(bytes)), 13) << bytes;
+    EXPECT_EQ(lesefehler(verschachtelt(Variantdatei::kHoechsteTiefe + 1)), 13);
     for (std::size_t laenge = 0; laenge < kAlleTypen.size(); ++laenge)
-        EXPECT_EQ(fehlernummerVon(kAlleTypen.substr(0, laenge)), 13) << laenge;
-    EXPECT_EQ(fehlernummerVon(verschachtelt(Variantdatei::kHoechsteTiefe)), 0);
+        EXPECT_EQ(lesefehler(kAlleTypen.substr(0, laenge)), 13) << laenge;
+    EXPECT_EQ(lesefehler(verschachtelt(Variantdatei::kHoechsteTiefe)), 0);
 }
 
 TEST(Variantdatei, WasKeineFormHatWirdNichtGeschrieben) {
