@@ -65,7 +65,6 @@ class Query {
     // are those of no single table.
     const std::shared_ptr<const TableDef>& table() const { return table_; }
     const std::vector<std::optional<std::size_t>>& tableColumns() const { return tableColumns_; }
-    RowId identity() const { return whole(columns_.size()); }
 
   private:
     friend class Connection;

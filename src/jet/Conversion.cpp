@@ -78,13 +78,7 @@ std::optional<double> truthIn(std::string_view given) {
 }
 
 std::string currencyText(std::int64_t tenThousandths) {
-    const auto bits = static_cast<std::uint64_t>(tenThousandths);
-    const std::uint64_t magnitude = tenThousandths < 0 ? 0 - bits : bits;
-    const Decimal decimal{
-        tenThousandths < 0,
-        {0, 0, static_cast<std::uint32_t>(magnitude >> 32), static_cast<std::uint32_t>(magnitude)},
-        4};
-    std::string text = decimal.toText();
+    std::string text = Decimal::of(tenThousandths, 4).toText();
     text.erase(text.find_last_not_of('0') + 1);
     if (text.ends_with('.')) {
         text.pop_back();
@@ -113,13 +107,7 @@ std::optional<Decimal> decimalIn(std::string_view given) {
         if (point && result.scale == kMostDecimals) {
             continue;
         }
-        auto carry = static_cast<std::uint64_t>(c - '0');
-        for (std::size_t word = 4; word-- > 0;) {
-            carry += std::uint64_t{result.magnitude[word]} * 10;
-            result.magnitude[word] = static_cast<std::uint32_t>(carry);
-            carry >>= 32;
-        }
-        if (carry) {
+        if (!result.appendDigit(static_cast<unsigned>(c - '0'))) {
             throwTooLarge();
         }
         result.scale = static_cast<std::uint8_t>(result.scale + (point ? 1 : 0));

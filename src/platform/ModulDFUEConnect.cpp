@@ -9,7 +9,6 @@ namespace wendel::ModulDFUEConnect {
 bool IsRasAvailable(Einwahl& einwahl) { return einwahl.aktiveVerbindungen().has_value(); }
 
 std::string GetActiveConnectionName(Einwahl& einwahl) {
-    if (!IsRasAvailable(einwahl)) return {};
     const auto verbindungen = einwahl.aktiveVerbindungen();
     if (!verbindungen || verbindungen->empty()) return {};
     const std::string_view name = verbindungen->front();

@@ -31,8 +31,7 @@ constexpr int kPausenspanneMs = 1000;
 
 constexpr const char* kKeineMaschine =
     "Es fehlen Systemkomponenten. Die DAO-Datenbankengine konnte in keiner kompatiblen Version geöffnet "
-    "werden. "
-    "Bitte installieren Sie diese Anwendung neu.";
+    "werden. Bitte installieren Sie diese Anwendung neu.";
 constexpr const char* kNichtGeoeffnet = "Die Datenbankdatei kann nicht geöffnet werden.";
 constexpr const char* kKollisionTitel = "Datenzugriffskollision";
 constexpr const char* kKollision =

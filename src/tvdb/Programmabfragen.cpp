@@ -56,8 +56,7 @@ std::string abend(Datum t) {
            " Order by Sendungen.SenderKennung,Sendungen.KzFilm asc,Sendungen.Dauer;";
 }
 
-}  // namespace
-
+// Empty when there is nothing to ask.
 std::string anweisung(Art art, Datum t, const Sendersammlung& favoriten) {
     switch (art) {
         case Art::Laeuft: return laeuft(t, favoriten);
@@ -67,6 +66,8 @@ std::string anweisung(Art art, Datum t, const Sendersammlung& favoriten) {
     }
     return {};
 }
+
+}  // namespace
 
 Sendungsliste abfragen(ModulDatenbankzugriff& zugriff, std::unique_ptr<Datenbank>& db, Art art, Datum t,
                        const Sendersammlung& favoriten) {

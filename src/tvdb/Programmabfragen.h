@@ -3,7 +3,6 @@
 // the tray menu. Which of them to ask, when, and what is shown of the rows is left to the menu.
 
 #include <memory>
-#include <string>
 #include <vector>
 
 #include "platform/Datum.h"
@@ -24,16 +23,13 @@ enum class Art {
     Laeuft = 1,  // what runs at t, by channel
     Ab = 2,      // the next broadcast of each channel, one that begins at t included
     Nach = 3,    // the same without what begins at t
-    Abend =
-        4,  // what begins between 21:00:00 and 23:59:59 on the day of t and ends before 02:00; films first
+    // What begins between 21:00:00 and 23:59:59 on the day of t and ends before 02:00; films first.
+    Abend = 4,
 };
 
-// The statement as it is sent; "" when there is nothing to ask: Laeuft without a favourite.
-std::string anweisung(Art art, Datum t, const Sendersammlung& favoriten);
-
-// The rows of the statement in their order; none when it is not sent. Their details are loaded from the
-// database when they are asked for. db is open; as with SafeOpenRs it may be a new object afterwards, and
-// what that throws comes out of here, with the recordset closed.
+// The rows in the order of the statement; none when there is nothing to ask: Laeuft without a favourite.
+// Their details are loaded from the database when they are asked for. db is open; as with SafeOpenRs it may
+// be a new object afterwards, and what that throws comes out of here, with the recordset closed.
 Sendungsliste abfragen(ModulDatenbankzugriff& zugriff, std::unique_ptr<Datenbank>& db, Art art, Datum t,
                        const Sendersammlung& favoriten);
 

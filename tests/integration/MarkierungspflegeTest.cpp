@@ -9,10 +9,8 @@
 #include <fstream>
 #include <random>
 
-#include "core/Programm.h"
 #include "integration/EchteDatenbank.h"
 #include "support/Kindprozess.h"
-#include "tvdb/cSendung.h"
 
 namespace wendel {
 namespace {
@@ -107,49 +105,6 @@ TEST_F(Pflege, KilledRunIsMadeUpForByTheNext) {
         pflege();
         EXPECT_EQ(zustand(), erwartet) << lauf;
     }
-}
-
-// From the data update to the notice: a broadcast is added that begins in five minutes, and a recurring mark
-// wants to remind ten minutes ahead.
-TEST_F(Pflege, AddedBroadcastIsMarkedAtTheStartAndItsReminderMadeUp) {
-    oeffne();
-    cSendung sendung{zugriff};
-    sendung.SenderKennung = "ZDF";
-    sendung.Titel = "Journal: Die Nacht";
-    sendung.Beginn = fakes.uhr.jetzt().plusSekunden(300);
-    sendung.Ende = sendung.Beginn.plusSekunden(1800);
-    sendung.Dauer = "30";
-    sendung.KzHDTV = true;
-    sendung.setzeHTMLSeite(ersetzt(std::string(300, 'x'), "x", "ü"));
-    auto sendungen = zugriff.SafeOpenRs(db, "Select * from Sendungen", kDynaset, kAppendOnly);
-    sendung.SetRsFields1(*sendungen);
-    auto details = zugriff.SafeOpenRs(db, "Select * from SendungenDetails", kDynaset, kAppendOnly);
-    sendung.SpeichernInDatensatzAlles(*db, *sendungen, *details);
-    zugriff.SafeCloseRs(sendungen);
-    zugriff.SafeCloseRs(details);
-    zugriff.SafeCloseDatenbank(db);
-    cSendung gelesen{zugriff};
-    gelesen.FillAusDatenbank1(sendung.Pos);
-    EXPECT_EQ(gelesen.Titel, sendung.Titel);
-    EXPECT_EQ(gelesen.Beginn, sendung.Beginn);
-    EXPECT_TRUE(gelesen.KzHDTV);
-    EXPECT_EQ(gelesen.HTMLSeite(), ersetzt(std::string(255, 'x'), "x", "ü"));
-    aendere(
-        "Insert Into Markierungen "
-        "(User,Pos,Sendung,Senderkennung,Datum,Uhrzeit,Dauer,Favorit,Erinnerung,Optionen,"
-        "Aufzeichnung,Aktualisierung,KzAusblenden) Values "
-        "('PC-BUERO',0,'Journal:','ARD',#12/20/2012#,#12/30/1899 "
-        "20:15:00#,'30',true,true,'Wiederkehrend=1;SenderEgal=1;Erinnerungszeit=201212202005',0,0,0)");
-    Programm programm;
-    jet::JetDatenbankmaschinen eigene(programm.ports.uhr,
-                                      [&](const std::string&) { return werte.datenbankdatei; });
-    programm.ports.echteDatenbanken = &eigene;
-    programm.starte();
-    programm.sekunde();
-    EXPECT_THAT(programm.hinweis->text, testing::EndsWith("\r\n20:05 Journal: Die Nacht (ZDF)"));
-    EXPECT_THAT(zeilen("Select Pos,Optionen from Markierungen Where Sendung='Journal: Die Nacht'", 2),
-                ElementsAre(std::to_string(sendung.Pos) +
-                            "|Wiederkehrend=1;SenderEgal=1;Erinnerungszeit=201212241955"));
 }
 
 }  // namespace

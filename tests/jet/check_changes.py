@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
 """Statements that change a database, through jetsql: after each one the tables hold what SQLite has after the same change
-in its own words, and the errors leave every byte of the file as it was. Then two processes in conflict over one file.
-Runs on new files of both versions of the format, and the statements of the marks on a copy of an example file."""
+in its own words, and the errors leave every byte of the file as it was. What is defined is read by mdbtools as well. Then two processes in
+conflict over one file. Runs on new files of both versions of the format, and the statements of the marks on a copy of an
+example file."""
 import os
 import shutil
 import sqlite3
@@ -72,6 +73,42 @@ MARKS = [  # as the marks are maintained, to the blank
      "20:15:00#  and  Dauer='45'  and  Favorit=-1  and  Erinnerung=-1  and  Pos=0", 1,
      f"delete from Markierungen where {USER} and Sendung='Süßer ''Schnee''' and Pos=0"),
 ]
+RULES = ["Create Table Regeln (ID Counter Constraint PrimaryKey Primary Key, E Text(20) Unique, P Long, O LongBinary)",
+         "Create Index P On Regeln (P) With Disallow Null", "Insert Into Regeln (E,P) Values ('Straße',1)",
+         "Insert Into Regeln (P) Values (1)"]
+BROKEN_RULES = [  # number, statement
+    (3022, "Insert Into Regeln (E,P) Values ('STRASSE ',1)"), (3022, "Insert Into Regeln (ID,P) Values (1,1)"),
+    (3314, "Insert Into Regeln (E) Values ('x')"), (3314, "Update Regeln Set P=Null Where ID=1"),
+    (3022, "Update Regeln Set E='strasse'"), (3010, "Create Table msysaces (n Long)"), (3125, "Create Table [] (n Long)"),
+    (3125, "Create Table [ b] (n Long)"), (3125, "Create Table b ([n.m] Long)"), (3126, "Create Table [b[] (n Long)"),
+    (3125, f"Create Table {'x' * 65} (n Long)"), (3191, "Create Table b (n Long, N Long)"),
+    (3190, f"Create Table b ({','.join(f'n{i} Long' for i in range(256))})"),
+    (3259, "Create Table b (x Counter, y Counter)"), (3284, "Create Index PRIMARYKEY On Regeln (P)"),
+    (3283, "Create Index i On Regeln (P) With Primary"), (3409, "Create Index i On Regeln (E, e desc)"),
+    (3259, "Create Index i On Regeln (O)"), (3277, f"Create Index i On Regeln ({','.join('E' * 11)})"),
+    (3314, "Create Index i On Regeln (E) With Disallow Null"), (3022, "Create Unique Index i On Regeln (P)"),
+    (3112, "Drop Table MSysObjects"),
+]
+NUMBERS = [  # what is inserted after all that was refused, and the numbers that the rows have then
+    ("(E,P) Values ('x',1)", "1 2 3"), ("(ID,P) Values (100,1)", "1 2 3 100"), ("(P) Values (1)", "1 2 3 100 101"),
+    ("(ID,P) Values (2147483647,1)", "1 2 3 100 101 2147483647"), ("(P) Values (1)", "1 2 3 100 101 2147483647"),
+    ("(ID,P) Values (-1,1)", "-1 1 2 3 100 101 2147483647"),
+]
+EVERY_TYPE = (
+    "Create Table [Prüf-Tabelle] (ID Counter Constraint PrimaryKey Primary Key, Ja YesNo, B Byte, Ga Short, La Long, Geld "
+    "Currency, Da Datetime, Ei Single, Do Double, Tx Text(255), Bin Binary(60), Me Memo, Ole LongBinary, Gu GUID{})",
+    "Create Index Titel On [Prüf-Tabelle] (Tx, da desc)", "Create Unique Index Roh On [Prüf-Tabelle] (Bin) With Ignore Null",
+    "Insert Into [Prüf-Tabelle] (Tx,Da) Values ('Das Ü',#12/24/2012 20:15:00#)")
+AS_OTHERS_READ_IT = [  # mdbtools' command, and what it prints
+    ("mdb-export {} Prüf-Tabelle | cut -d, -f1,2,7,10", 'ID,Ja,Da,Tx\n1,0,"12/24/12 20:15:00","Das Ü"\n'),
+    ("mdb-schema {} access | grep -P '^\\t' | tr -s '\\t,\\n' ' '",
+     " [ID] Long Integer [Ja] Boolean NOT NULL [B] Byte [Ga] Integer [La] Long Integer [Geld] Currency [Da] DateTime [Ei] Single "
+     "[Do] Double [Tx] Text (255) [Bin] Binary [Me] Memo/Hyperlink (255) [Ole] OLE (255) [Gu] Replication ID "),
+    ("mdb-schema --indexes {} postgres | grep -e INDEX -e KEY",
+     '-- CREATE INDEXES ...\nALTER TABLE "prüf-tabelle" ADD CONSTRAINT "prüf-tabelle_pkey" PRIMARY KEY ("id");\n'
+     'CREATE UNIQUE INDEX "prüf-tabelle_roh_idx" ON "prüf-tabelle" ("bin");\n'
+     'CREATE INDEX "prüf-tabelle_titel_idx" ON "prüf-tabelle" ("tx", "da" DESC);\n'),
+]
 MANY = ",".join(f"{k}" for k in range(100000, 150000))
 FAILURES = [  # number, statement, on the example file
     (3134, "Insert Into"), (3134, "Insert Sender Values (1)"), (3134, "Insert Into Sender Set a=1"), (3134, "Insert Into Sender (Gruppe) Values ('a') b"),
@@ -135,6 +172,32 @@ def new_file(folder, create, wrong):
     run_steps(database, reference, STEPS, ["Alles"], wrong)
 
 
+def rules(folder, create, wrong):
+    database = os.path.join(folder, f"regeln{create}.mdb")
+    error = jetsql(database, create, *RULES)[1]
+    wrong += [error] if error else []
+    refused(database, BROKEN_RULES, wrong)
+    for values, numbers in NUMBERS:
+        jetsql(database, f"Insert Into Regeln {values}")
+        found = jetsql(database, "Select ID from Regeln Order by ID")[0].split()[1:]
+        wrong += [f"{values}: numbers {found}"] if found != numbers.split() else []
+    findings = jetsql(database, "--pruefen")
+    wrong += [f"after all that: {findings}"] if findings != ("", "") else []
+
+
+def every_type(folder, create, wrong):
+    database = os.path.join(folder, f"typen{create}.mdb")
+    jet4 = create == "--anlegen"
+    table, *more = EVERY_TYPE
+    error = jetsql(database, create, table.format(", Dez Decimal(18,4)" if jet4 else ""), *more)[1]
+    wrong += [error] if error else []
+    for command, expected_text in AS_OTHERS_READ_IT:
+        found = subprocess.run(["sh", "-c", command.format(database)], capture_output=True, text=True, check=False,
+                               env={**os.environ, "LC_ALL": "C.UTF-8"}).stdout
+        expected_text += "[Dez] Numeric (18 4) " if jet4 and " access " in command else ""
+        wrong += [f"{command}: {found}"] if found != expected_text else []
+
+
 def marks(folder, wrong):
     database = shutil.copy(EXAMPLE, folder)
     os.chmod(database, 0o600)
@@ -148,17 +211,22 @@ def marks(folder, wrong):
     wrong += [f"lists of 50,000 keys: {output}"] if output != "Geändert\n605\nGeändert\n0\n" else []
 
 
-def failures(folder, wrong):
-    database = shutil.copy(EXAMPLE, os.path.join(folder, "fehler.mdb"))
-    os.chmod(database, 0o600)
-    before = open(database, "rb").read()
-    for number, statement in FAILURES:
+def refused(database, statements, wrong):
+    folder = os.path.dirname(database)
+    before, files = open(database, "rb").read(), len(os.listdir(folder))
+    for number, statement in statements:
         output, error = jetsql(database, statement)
         if output or not error.startswith(f"({number})"):
             wrong.append(f"{statement}: {output or error.strip()} instead of {number}")
-        if open(database, "rb").read() != before or len(os.listdir(folder)) != 1:
+        if open(database, "rb").read() != before or len(os.listdir(folder)) != files:
             wrong.append(f"{statement}: leaves {os.listdir(folder)}, file same: {open(database, 'rb').read() == before}")
             before = open(database, "rb").read()
+
+
+def failures(folder, wrong):
+    database = shutil.copy(EXAMPLE, os.path.join(folder, "fehler.mdb"))
+    os.chmod(database, 0o600)
+    refused(database, FAILURES, wrong)
 
 
 def conflict(folder, wrong):
@@ -178,14 +246,15 @@ def main():
     wrong = []
     with tempfile.TemporaryDirectory() as folder:
         for create in ("--anlegen", "--anlegen-jet3"):
-            new_file(folder, create, wrong)
+            for check in (new_file, rules, every_type):
+                check(folder, create, wrong)
         if os.path.isfile(EXAMPLE):
             for check in (marks, failures, conflict):
                 with tempfile.TemporaryDirectory() as own:
                     check(own, wrong)
         else:
             print(f"skipped: no example file {EXAMPLE}")
-    print("\n".join(wrong) or f"{2 * len(STEPS) + len(MARKS) + len(FAILURES)} statements as expected")
+    print("\n".join(wrong) or f"{2 * len(STEPS + BROKEN_RULES) + len(MARKS) + len(FAILURES)} statements as expected")
     return 1 if wrong else 0
 
 

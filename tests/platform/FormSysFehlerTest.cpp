@@ -53,19 +53,15 @@ TEST_F(SystemErrorDialog, BuildsItsDetailsFromWhatIsThere) {
     }
 }
 
-TEST_F(SystemErrorDialog, UnfoldsAndFolds) {
-    fenster.benutzer = [&] {
-        EXPECT_EQ(klappzustand(), zu);
-        form.cmdDetails_Click();
-        EXPECT_EQ(klappzustand(), offen);
-        form.cmdDetails_Click();
-        EXPECT_EQ(klappzustand(), zu);
-    };
-    form.ShowFehler({});
-    fenster.benutzer = [&] { EXPECT_EQ(klappzustand(), offen); };
-    form.ShowFehler({.DetailsAufklappen = true});
-    fenster.benutzer = [&] { EXPECT_EQ(klappzustand(), zu) << "it starts folded again"; };
-    form.ShowFehler({});
+TEST_F(SystemErrorDialog, StartsAsItIsAskedToAndFolds) {
+    for (const bool aufgeklappt : {false, true, false}) {
+        fenster.benutzer = [&] {
+            EXPECT_EQ(klappzustand(), aufgeklappt ? offen : zu);
+            form.cmdDetails_Click();
+            EXPECT_EQ(klappzustand(), aufgeklappt ? zu : offen);
+        };
+        form.ShowFehler({.DetailsAufklappen = aufgeklappt});
+    }
 }
 
 TEST_F(SystemErrorDialog, LeftStandingAnswersAtOnceAndKeepsItsDetailsUnfolded) {

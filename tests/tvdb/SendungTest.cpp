@@ -53,7 +53,7 @@ TEST_F(SendungTest, JedesFeldKommtAusSeinerSpalte) {
     EXPECT_EQ(zustand->offen() + zustand->recordsetsOffen(), 0);
 }
 
-// A conflict is retried; what the fields hold, the tests on the real engine read back.
+// A conflict is retried, and a long page cut to what its column takes.
 TEST_F(SendungTest, AnhaengenSchreibtAlleSpaltenInIhrerReihenfolge) {
     antworte("S", {Split("Pos," + std::string(kFelder1), ","), {}});
     antworte("D", {{"Pos", "HTMLSeite", "Darsteller", "Beschreibung"}, {}});
@@ -69,6 +69,7 @@ TEST_F(SendungTest, AnhaengenSchreibtAlleSpaltenInIhrerReihenfolge) {
         "nicht initialisiert.");
     EXPECT_EQ(fakes.uhr.schlafdauern.size(), 1U);
     sendung.setzeBeschreibung("B");
+    sendung.setzeHTMLSeite(ersetzt(std::string(300, 'x'), "x", "ü"));
     speichern();
     std::vector<std::string> saetze;
     for (const auto& satz : zustand->gespeichert) {
@@ -80,6 +81,7 @@ TEST_F(SendungTest, AnhaengenSchreibtAlleSpaltenInIhrerReihenfolge) {
               (std::vector<std::string>{kFelder1, kFelder1, "Pos,Beschreibung,Darsteller,HTMLSeite"}));
     EXPECT_EQ(zustand->gespeichert.back()[0].second, Variant::lang(4712));
     EXPECT_EQ(zustand->gespeichert.back()[1].second, Variant::text("B"));
+    EXPECT_EQ(zustand->gespeichert.back()[3].second.alsText(), ersetzt(std::string(255, 'x'), "x", "ü"));
 }
 
 }  // namespace

@@ -102,15 +102,8 @@ std::optional<std::pair<std::size_t, std::size_t>> StatementTranslator::assigned
     return found;
 }
 
-Change StatementTranslator::change(const Update& update) {
-    Context context;
-    for (const FromPtr& item : update.from) {
-        collectSources(*item, context);
-    }
-    struct Set {
-        std::size_t source, column;
-        const Expr* value;
-    };
+// Those of one table together, in the order of the tables.
+std::vector<StatementTranslator::Set> StatementTranslator::setsOf(const Update& update, Context& context) {
     std::vector<Set> sets;
     for (const Assignment& assignment : update.assignments) {
         const auto target = assigned(assignment.column, context);
@@ -130,6 +123,15 @@ Change StatementTranslator::change(const Update& update) {
     }
     std::stable_sort(sets.begin(), sets.end(),
                      [](const Set& a, const Set& b) { return a.source < b.source; });
+    return sets;
+}
+
+Change StatementTranslator::change(const Update& update) {
+    Context context;
+    for (const FromPtr& item : update.from) {
+        collectSources(*item, context);
+    }
+    const std::vector<Set> sets = setsOf(update, context);
     Change result;
     result.kind = Change::Kind::Update;
     context.aggregatesAllowed = false;

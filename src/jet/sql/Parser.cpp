@@ -318,6 +318,15 @@ namespace {
 
 int depthOf(const ExprPtr& e) { return e ? e->depth : 0; }
 
+// x 10 000 as a whole number, where that is exact.
+std::optional<std::int64_t> tenThousandths(double value) {
+    const double scaled = std::round(value * 10000.0);
+    if (std::abs(scaled) >= 9e15 || scaled / 10000.0 != value) {
+        return std::nullopt;
+    }
+    return static_cast<std::int64_t>(scaled);
+}
+
 }  // namespace
 
 ExprPtr Parser::binary(BinaryOp op, ExprPtr left, ExprPtr right) {
@@ -536,15 +545,6 @@ ExprPtr Parser::power() {
         left = binary(BinaryOp::Power, std::move(left), std::move(right));
     }
     return left;
-}
-
-// x 10 000 as a whole number, where that is exact.
-static std::optional<std::int64_t> tenThousandths(double value) {
-    const double scaled = std::round(value * 10000.0);
-    if (std::abs(scaled) >= 9e15 || scaled / 10000.0 != value) {
-        return std::nullopt;
-    }
-    return static_cast<std::int64_t>(scaled);
 }
 
 ExprPtr Parser::primary() {

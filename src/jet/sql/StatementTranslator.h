@@ -76,8 +76,14 @@ class StatementTranslator {
     void requireKnownNames() const;
     Change insertedSelect(const Insert& insert, const SchemaTable& table);
     Change insertedValues(const Insert& insert, const SchemaTable& table);
+    // One assignment of an Update, its column by source and position.
+    struct Set {
+        std::size_t source, column;
+        const Expr* value;
+    };
     std::optional<std::pair<std::size_t, std::size_t>> assigned(const ColumnRef& column,
                                                                 const Context& context);
+    std::vector<Set> setsOf(const Update& update, Context& context);
     void collectSources(const FromItem& item, Context& context);
     std::vector<Item> items(const Select& select, Context& context);
     void addStar(const Source& source, std::vector<Item>& items);

@@ -1,10 +1,12 @@
 #pragma once
-// Integers in pages and keys: little-endian in pages, big-endian in index entries. The callers check bounds
-// before; these functions only copy.
+// Integers in pages and keys: little-endian in pages, big-endian in index entries; and bytes as text and
+// back. The callers check bounds before; these functions only copy.
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string>
+#include <string_view>
 
 namespace wendel::jet {
 
@@ -56,6 +58,20 @@ inline std::uint32_t loadU32Big(const std::uint8_t* p) {
 inline void appendBig(std::string& out, std::uint64_t value, unsigned bytes) {
     for (unsigned i = bytes; i-- > 0;)
         out.push_back(static_cast<char>(value >> (8 * i) & 0xFF));
+}
+
+// The same, least significant first.
+inline void appendLittle(std::string& out, std::uint64_t value, unsigned bytes) {
+    for (unsigned i = 0; i < bytes; ++i)
+        out.push_back(static_cast<char>(value >> (8 * i) & 0xFF));
+}
+
+inline std::span<const std::uint8_t> asBytes(std::string_view text) {
+    return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
+}
+
+inline std::string_view asText(std::span<const std::uint8_t> bytes) {
+    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
 }
 
 }  // namespace wendel::jet

@@ -1,12 +1,9 @@
 #include "jet/storage/CellEncoder.h"
 
 #include <algorithm>
-#include <array>
 #include <bit>
-#include <charconv>
 #include <cmath>
 #include <limits>
-#include <optional>
 
 #include "jet/storage/Bytes.h"
 #include "jet/storage/TextCoding.h"
@@ -16,38 +13,9 @@
 namespace wendel::jet {
 namespace {
 
-constexpr std::uint8_t kCurrencyScale = 4;
 constexpr double kFirstDay = -657434, kBehindLastDay = 2958466;  // 1 Jan 100 to 31 Dec 9999
-// More digits than any magnitude of 128 bits has.
-constexpr int kManyDigits = 40;
 
 [[noreturn]] void throwOverflow() { throwWriteError(jetfehler::kNumericOverflow); }
-[[noreturn]] void throwWrongKind() { throwWriteError(jetfehler::kWrongValue); }
-
-bool isZero(const Decimal& value) {
-    return std::all_of(value.magnitude.begin(), value.magnitude.end(), [](auto word) { return word == 0; });
-}
-
-// False when the digit does not fit in any more.
-bool appendDigit(Decimal& value, unsigned digit) {
-    std::uint64_t carry = digit;
-    for (std::size_t i = value.magnitude.size(); i-- > 0;) {
-        const std::uint64_t product = std::uint64_t{value.magnitude[i]} * 10 + carry;
-        value.magnitude[i] = static_cast<std::uint32_t>(product);
-        carry = product >> 32;
-    }
-    return carry == 0;
-}
-
-unsigned dropDigit(Decimal& value) {
-    std::uint64_t remainder = 0;
-    for (std::uint32_t& word : value.magnitude) {
-        const std::uint64_t part = remainder << 32 | word;
-        word = static_cast<std::uint32_t>(part / 10);
-        remainder = part % 10;
-    }
-    return static_cast<unsigned>(remainder);
-}
 
 void addOne(Decimal& value) {
     for (std::size_t i = value.magnitude.size(); i-- > 0;)
@@ -57,117 +25,33 @@ void addOne(Decimal& value) {
 // The number with another scale, rounded, halves to even.
 Decimal withScale(Decimal value, std::uint8_t scale) {
     for (; value.scale < scale; ++value.scale)
-        if (!appendDigit(value, 0)) throwOverflow();
+        if (!value.appendDigit(0)) throwOverflow();
     unsigned last = 0;
     bool more = false;  // digits other than 0 behind the last one dropped
     for (; value.scale > scale; --value.scale) {
         more = more || last != 0;
-        last = dropDigit(value);
+        last = value.dropDigit();
     }
     const bool odd = (value.magnitude[3] & 1) != 0;
     if (last > 5 || (last == 5 && (more || odd))) addOne(value);
-    if (isZero(value)) value.negative = false;
+    if (value.isZero()) value.negative = false;
     return value;
 }
 
-Decimal decimalOf(std::int64_t units, std::uint8_t scale) {
-    const auto bits = static_cast<std::uint64_t>(units);
-    const std::uint64_t magnitude = units < 0 ? 0 - bits : bits;
-    Decimal decimal{units < 0, {}, scale};
-    decimal.magnitude[2] = static_cast<std::uint32_t>(magnitude >> 32);
-    decimal.magnitude[3] = static_cast<std::uint32_t>(magnitude);
-    return decimal;
-}
-
-// The shortest decimal number that stands for the double: 0.1 and not the sixty digits that the bits make.
-Decimal decimalOf(double number) {
-    std::array<char, 32> text{};
-    const auto end = std::to_chars(text.begin(), text.end(), std::abs(number), std::chars_format::scientific);
-    const char* const mark = std::find(text.data(), end.ptr, 'e');
-    int exponent = 0;
-    std::from_chars(mark[1] == '+' ? mark + 2 : mark + 1, end.ptr, exponent);
-    if (exponent > kManyDigits) throwOverflow();
-    if (exponent < -kManyDigits) return {};
-    Decimal decimal{number < 0, {}, 0};
-    int scale = -exponent - 1;
-    for (const char* p = text.data(); p != mark; ++p) {
-        if (*p == '.') continue;
-        appendDigit(decimal, static_cast<unsigned>(*p - '0'));
-        ++scale;
-    }
-    for (; scale < 0; ++scale)
-        if (!appendDigit(decimal, 0)) throwOverflow();
-    decimal.scale = static_cast<std::uint8_t>(scale);
-    return decimal;
-}
-
-double toDouble(const Decimal& decimal) {
-    double number = 0;
-    for (const std::uint32_t word : decimal.magnitude)
-        number = number * 0x1p32 + word;
-    number /= std::pow(10.0, decimal.scale);
-    return decimal.negative ? -number : number;
-}
-
-std::int64_t toInt64(const Decimal& decimal) {
-    const Decimal whole = withScale(decimal, 0);
-    const std::uint64_t magnitude = std::uint64_t{whole.magnitude[2]} << 32 | whole.magnitude[3];
-    const std::uint64_t largest = std::uint64_t{INT64_MAX} + (whole.negative ? 1 : 0);
-    if (whole.magnitude[0] != 0 || whole.magnitude[1] != 0 || magnitude > largest) throwOverflow();
-    return static_cast<std::int64_t>(whole.negative ? 0 - magnitude : magnitude);
-}
-
-std::int64_t toInt64(double number) {
-    const double whole = std::nearbyint(number);
-    if (!(whole >= -0x1p63 && whole < 0x1p63)) throwOverflow();
-    return static_cast<std::int64_t>(whole);
-}
-
-std::int64_t wholeNumber(const KeyValue& cell) {
-    if (const auto* whole = std::get_if<std::int64_t>(&cell)) return *whole;
-    if (const auto* number = std::get_if<double>(&cell)) return toInt64(*number);
-    if (const auto* money = std::get_if<KeyCurrency>(&cell)) {
-        return toInt64(decimalOf(money->tenThousandths, kCurrencyScale));
-    }
-    if (const auto* decimal = std::get_if<Decimal>(&cell)) return toInt64(*decimal);
-    throwWrongKind();
+template <class Kind>
+const Kind& valueOf(const KeyValue& cell) {
+    if (const Kind* value = std::get_if<Kind>(&cell)) return *value;
+    throwWriteError(jetfehler::kWrongValue);
 }
 
 std::int64_t wholeNumber(const KeyValue& cell, std::int64_t lowest, std::int64_t highest) {
-    const std::int64_t whole = wholeNumber(cell);
+    const auto whole = valueOf<std::int64_t>(cell);
     if (whole < lowest || whole > highest) throwOverflow();
     return whole;
 }
 
-KeyCurrency currency(const KeyValue& cell) {
-    if (const auto* money = std::get_if<KeyCurrency>(&cell)) return *money;
-    if (const auto* number = std::get_if<double>(&cell)) return {toInt64(*number * 10000)};
-    Decimal decimal;
-    if (const auto* whole = std::get_if<std::int64_t>(&cell)) {
-        decimal = decimalOf(*whole, 0);
-    } else if (const auto* value = std::get_if<Decimal>(&cell)) {
-        decimal = *value;
-    } else {
-        throwWrongKind();
-    }
-    decimal = withScale(decimal, kCurrencyScale);
-    decimal.scale = 0;
-    return {toInt64(decimal)};
-}
-
 double floating(const KeyValue& cell) {
-    double number = 0;
-    if (const auto* whole = std::get_if<std::int64_t>(&cell)) {
-        number = static_cast<double>(*whole);
-    } else if (const auto* value = std::get_if<double>(&cell)) {
-        number = *value;
-    } else if (const auto* money = std::get_if<KeyCurrency>(&cell)) {
-        number = static_cast<double>(money->tenThousandths) / 10000;
-    } else if (const auto* decimal = std::get_if<Decimal>(&cell)) {
-        number = toDouble(*decimal);
-    } else {
-        throwWrongKind();
-    }
+    const auto number = valueOf<double>(cell);
     if (!std::isfinite(number)) throwOverflow();
     return number;
 }
@@ -185,30 +69,18 @@ double dayNumber(const KeyValue& cell) {
 }
 
 Decimal decimalValue(const Column& column, const KeyValue& cell) {
-    Decimal value;
-    if (const auto* decimal = std::get_if<Decimal>(&cell)) {
-        value = *decimal;
-    } else if (const auto* number = std::get_if<double>(&cell)) {
-        value = decimalOf(floating(*number));
-    } else if (const auto* money = std::get_if<KeyCurrency>(&cell)) {
-        value = decimalOf(money->tenThousandths, kCurrencyScale);
-    } else {
-        value = decimalOf(wholeNumber(cell), 0);
-    }
-    value = withScale(value, column.scale);
+    const Decimal value = withScale(valueOf<Decimal>(cell), column.scale);
     Decimal rest = value;
-    for (unsigned digits = 0; !isZero(rest); ++digits) {
+    for (unsigned digits = 0; !rest.isZero(); ++digits) {
         if (digits == column.precision) throwOverflow();
-        dropDigit(rest);
+        rest.dropDigit();
     }
     return value;
 }
 
 std::string_view textValue(const File& file, const Column& column, const KeyValue& cell,
                            std::string& buffer) {
-    const auto* given = std::get_if<std::string_view>(&cell);
-    if (given == nullptr) throwWrongKind();
-    std::string_view text = *given;
+    auto text = valueOf<std::string_view>(cell);
     std::size_t limit = column.length;
     if (file.version() == Version::kJet3) {
         const bool ascii = std::all_of(text.begin(), text.end(), [](char c) { return (c & 0x80) == 0; });
@@ -226,23 +98,15 @@ std::string_view textValue(const File& file, const Column& column, const KeyValu
 }
 
 KeyBytes bytesValue(const Column& column, const KeyValue& cell) {
-    const auto* given = std::get_if<KeyBytes>(&cell);
-    if (given == nullptr) throwWrongKind();
-    if (column.type == ColumnType::kBinary && given->bytes.size() > column.length) {
+    const auto given = valueOf<KeyBytes>(cell);
+    if (column.type == ColumnType::kBinary && given.bytes.size() > column.length) {
         throwWriteError(jetfehler::kTextTooLong, column.name);
     }
-    return *given;
+    return given;
 }
 
 bool isTrue(const KeyValue& cell) {
-    if (std::holds_alternative<std::monostate>(cell)) return false;
-    if (const auto* whole = std::get_if<std::int64_t>(&cell)) return *whole != 0;
-    return floating(cell) != 0;
-}
-
-void appendLittle(std::string& out, std::uint64_t bits, unsigned bytes) {
-    for (unsigned i = 0; i < bytes; ++i)
-        out.push_back(static_cast<char>(bits >> (8 * i) & 0xFF));
+    return !std::holds_alternative<std::monostate>(cell) && valueOf<std::int64_t>(cell) != 0;
 }
 
 void appendDecimal(const Decimal& decimal, std::string& out) {
@@ -285,7 +149,7 @@ KeyValue columnValue(const File& file, const Column& column, const KeyValue& cel
         case ColumnType::kByte: return wholeNumber(cell, 0, 255);
         case ColumnType::kInteger: return wholeNumber(cell, INT16_MIN, INT16_MAX);
         case ColumnType::kLong: return wholeNumber(cell, INT32_MIN, INT32_MAX);
-        case ColumnType::kCurrency: return currency(cell);
+        case ColumnType::kCurrency: return valueOf<KeyCurrency>(cell);
         case ColumnType::kSingle: return singleValue(cell);
         case ColumnType::kDouble: return floating(cell);
         case ColumnType::kDate: return dayNumber(cell);
@@ -294,10 +158,8 @@ KeyValue columnValue(const File& file, const Column& column, const KeyValue& cel
         case ColumnType::kMemo: return textValue(file, column, cell, buffer);
         case ColumnType::kBinary:
         case ColumnType::kOle: return bytesValue(column, cell);
-        case ColumnType::kGuid:
-            if (!std::holds_alternative<Guid>(cell)) throwWrongKind();
-            return cell;
-        default: throwWrongKind();
+        case ColumnType::kGuid: return valueOf<Guid>(cell);
+        default: throwWriteError(jetfehler::kWrongValue);
     }
 }
 

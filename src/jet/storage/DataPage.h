@@ -75,7 +75,6 @@ class DataPageEditor {
     void setSlot(unsigned slot, std::size_t start, std::uint16_t flags);
     void changeLength(unsigned slot, std::size_t length);
     void squeezeDeleted();
-    void noteFreeSpace();
 
     const File& file_;
     Page& bytes_;

@@ -434,7 +434,6 @@ PagePtr File::page(std::uint32_t number) {
 PagePtr File::readPage(std::uint32_t number) {
     if (number >= pageCount_) throwDamaged("Seite " + std::to_string(number) + " fehlt");
     std::shared_ptr<Page> buffer = cache_.buffer(layout_->pageSize);
-    ++pagesRead_;
     const bool read = journal_->spilled(number)
                           ? journal_->readSpilled(number, *buffer)
                           : (journal_->startsWhole(number) ||

@@ -171,9 +171,8 @@ class File {
     bool checkpoint();
     bool journalEmpty() const;
 
-    // Requests for pages so far, and how many of them went to the disk.
+    // Requests for pages so far, wherever they came from: what a statement costs, for tests and measurements.
     std::uint64_t pagesRequested() const { return pagesRequested_; }
-    std::uint64_t pagesRead() const { return pagesRead_; }
 
     // Throws Fehler 3049 naming the file; `what` says in a few German words which structure is broken.
     [[noreturn]] void throwDamaged(std::string_view what) const;
@@ -243,7 +242,6 @@ class File {
     unsigned readings_ = 0;
     std::unique_ptr<Statement> statement_;
     std::uint64_t pagesRequested_ = 0;
-    std::uint64_t pagesRead_ = 0;
 };
 
 }  // namespace wendel::jet

@@ -16,9 +16,6 @@
 namespace wendel::jet {
 namespace {
 
-constexpr std::uint32_t kGlobalMapPage = 1;
-constexpr std::size_t kInlineMapHead = 5;
-constexpr std::size_t kPartPointer = 4;
 constexpr int kMaxMoves = 64;
 
 using Bytes = std::span<const std::uint8_t>;
@@ -151,7 +148,7 @@ class FileChecker {
         const PagePtr page = file_.page(kGlobalMapPage);
         const Bytes row = DataPage(file_, *page).row(0);
         if (row.empty() || row[0] != kUsageInline) return;
-        const std::uint64_t first = loadU32(&row[1]), end = first + 8 * (row.size() - kInlineMapHead);
+        const std::uint64_t first = loadU32(&row[1]), end = first + 8 * (row.size() - kUsageInlineHead);
         for (std::uint64_t behind = std::max<std::uint64_t>(first, file_.pageCount()); behind < end;
              ++behind) {
             if (behind < kMaxPages && !all.contains(static_cast<std::uint32_t>(behind)))
@@ -360,8 +357,8 @@ class FileChecker {
         std::size_t found = 0;
         do {
             const Bytes row = takeLongRow(table, column, part, !single);
-            if (!single && row.size() < kPartPointer) file_.throwDamaged("Kette eines langen Werts");
-            found += row.size() - (single ? 0 : kPartPointer);
+            if (!single && row.size() < kRowPointerSize) file_.throwDamaged("Kette eines langen Werts");
+            found += row.size() - (single ? 0 : kRowPointerSize);
             part = single ? RowPointer{} : loadRowPointer(row.data());
         } while (part.page != 0);
         if (found != length) file_.throwDamaged("Länge eines langen Werts");

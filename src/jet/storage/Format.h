@@ -269,7 +269,7 @@ inline constexpr unsigned kMaxSlots = 255;
 inline constexpr std::size_t kRowPointerSize = 4;
 
 // A Decimal: sign and 128 bits.
-inline constexpr std::size_t kDecimalSize = 17;
+inline constexpr std::uint16_t kDecimalSize = 17;
 inline constexpr std::uint8_t kDecimalNegative = 0x80;
 
 inline constexpr std::uint8_t kUsageInline = 0;

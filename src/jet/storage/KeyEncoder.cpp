@@ -92,40 +92,16 @@ void appendDecimal(const Decimal& value, bool descending, std::string& out) {
 
 // The same number with another scale; nothing when digits would be lost.
 std::optional<Decimal> rescaled(Decimal value, std::uint8_t scale) {
-    for (; value.scale < scale; ++value.scale) {
-        std::uint64_t carry = 0;
-        for (std::size_t i = value.magnitude.size(); i-- > 0;) {
-            const std::uint64_t product = std::uint64_t{value.magnitude[i]} * 10 + carry;
-            value.magnitude[i] = static_cast<std::uint32_t>(product);
-            carry = product >> 32;
-        }
-        if (carry != 0) return std::nullopt;
-    }
-    for (; value.scale > scale; --value.scale) {
-        std::uint64_t remainder = 0;
-        for (std::uint32_t& word : value.magnitude) {
-            const std::uint64_t part = remainder << 32 | word;
-            word = static_cast<std::uint32_t>(part / 10);
-            remainder = part % 10;
-        }
-        if (remainder != 0) return std::nullopt;
-    }
+    for (; value.scale < scale; ++value.scale)
+        if (!value.appendDigit(0)) return std::nullopt;
+    for (; value.scale > scale; --value.scale)
+        if (value.dropDigit() != 0) return std::nullopt;
     return value;
-}
-
-Decimal decimalOf(std::int64_t value) {
-    Decimal decimal;
-    decimal.negative = value < 0;
-    const std::uint64_t magnitude =
-        value < 0 ? 0 - static_cast<std::uint64_t>(value) : static_cast<std::uint64_t>(value);
-    decimal.magnitude = {0, 0, static_cast<std::uint32_t>(magnitude >> 32),
-                         static_cast<std::uint32_t>(magnitude)};
-    return decimal;
 }
 
 std::optional<Decimal> decimalValue(const KeyValue& value, std::uint8_t scale) {
     if (const auto* decimal = std::get_if<Decimal>(&value)) return rescaled(*decimal, scale);
-    if (const auto* whole = std::get_if<std::int64_t>(&value)) return rescaled(decimalOf(*whole), scale);
+    if (const auto* whole = std::get_if<std::int64_t>(&value)) return rescaled(Decimal::of(*whole), scale);
     return std::nullopt;
 }
 
@@ -348,17 +324,6 @@ bool cannotBeIn(const Column& column, const KeyValue& value) {
            integerRange(column.type).has_value() && column.type != ColumnType::kCurrency;
 }
 
-// Numbers in columns of whole numbers: halves go to the even neighbour, as in every conversion here.
-bool appendRounded(const Column& column, bool descending, double number, std::string& out) {
-    if (!integerRange(column.type)) return false;
-    const double unit = column.type == ColumnType::kCurrency ? kTenThousand : 1;
-    const double units = std::nearbyint(number * unit);
-    if (!fitsInt64(units)) return false;
-    const auto whole = static_cast<std::int64_t>(units);
-    return column.type == ColumnType::kCurrency ? appendKey(column, descending, KeyCurrency{whole}, out)
-                                                : appendKey(column, descending, whole, out);
-}
-
 // The key bytes of a value as a row stores it, which may be less exact than the value.
 void appendStoredValue(const Column& column, bool descending, const Cell& value, std::string& out) {
     if (appendKey(column, descending, value, out)) return;
@@ -374,7 +339,7 @@ void appendStoredValue(const Column& column, bool descending, const Cell& value,
     } else if (column.isText() && text != nullptr) {
         out += valueFlag(descending);
         appendText(column, descending, *text, out);
-    } else if (!number || !appendRounded(column, descending, *number, out)) {
+    } else {
         throw Fehler(jetfehler::kWrongValue, "Index",
                      "Der Wert passt nicht zum Datentyp des Feldes '" + column.name + "'.");
     }

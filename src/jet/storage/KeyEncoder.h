@@ -55,9 +55,8 @@ class RowValues {
 };
 
 // The key of a row's values for an index; nothing when the index has no entry for it (ignoreNulls and all of
-// its columns Null). The values must be of kinds that the columns hold (as RowValues gives them); a number is
-// rounded as the row stores it. Never fails on unknown characters, they leave no trace. Throws Fehler 3421
-// for a value that the column cannot hold.
+// its columns Null). The values must be those of a row (as RowValues or columnValue give them). Never fails
+// on unknown characters, they leave no trace. Throws Fehler 3421 for a value that the column cannot hold.
 std::optional<std::string> rowKey(const TableDef& table, const Index& index,
                                   std::span<const Cell> valuesOfAllColumns);
 

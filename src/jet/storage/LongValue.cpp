@@ -9,8 +9,6 @@
 namespace wendel::jet {
 namespace {
 
-constexpr std::size_t kChainPointerSize = 4;
-
 std::span<const std::uint8_t> longValueRow(const File& file, const Page& page, std::uint8_t slot) {
     const DataPage data(file, page);
     if (!data.isDataOf(kLongValueOwner)) file.throwDamaged("Langer Wert");
@@ -26,8 +24,8 @@ std::vector<std::uint8_t> joinChain(File& file, RowPointer part, std::size_t len
         if (part.page == 0 || parts == file.pageCount()) file.throwDamaged("Langer Wert");
         const PagePtr page = file.page(part.page);
         const std::span<const std::uint8_t> row = longValueRow(file, *page, part.slot);
-        if (row.size() < kChainPointerSize) file.throwDamaged("Langer Wert");
-        const std::span<const std::uint8_t> data = row.subspan(kChainPointerSize);
+        if (row.size() < kRowPointerSize) file.throwDamaged("Langer Wert");
+        const std::span<const std::uint8_t> data = row.subspan(kRowPointerSize);
         const std::size_t wanted = std::min(data.size(), length - joined.size());
         joined.insert(joined.end(), data.begin(), data.begin() + static_cast<std::ptrdiff_t>(wanted));
         part = loadRowPointer(row.data());

@@ -10,15 +10,6 @@
 namespace wendel::jet {
 namespace {
 
-void appendU32(std::string& out, std::uint32_t value) {
-    for (unsigned shift = 0; shift < 32; shift += 8)
-        out.push_back(static_cast<char>(value >> shift & 0xFF));
-}
-
-std::span<const std::uint8_t> asBytes(std::string_view text) {
-    return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
-}
-
 std::uint32_t rowPointerWord(RowPointer place) { return place.page << 8 | place.slot; }
 
 }  // namespace
@@ -42,9 +33,9 @@ void LongValueWriter::store(std::string_view bytes, std::string& reference) {
     } else {
         place = storeChain(bytes);
     }
-    appendU32(reference, length | kind);
-    appendU32(reference, rowPointerWord(place));
-    appendU32(reference, 0);
+    appendLittle(reference, length | kind, 4);
+    appendLittle(reference, rowPointerWord(place), 4);
+    appendLittle(reference, 0, 4);
     if (inRow) reference += bytes;
 }
 
@@ -55,7 +46,7 @@ RowPointer LongValueWriter::storeChain(std::string_view bytes) {
     std::string part;
     for (std::size_t from = (bytes.size() - 1) / partSize * partSize;; from -= partSize) {
         part.clear();
-        appendU32(part, rowPointerWord(next));
+        appendLittle(part, rowPointerWord(next), kRowPointerSize);
         part += bytes.substr(from, partSize);
         next = pages_.insertAlone(asBytes(part));
         if (from == 0) return next;

@@ -320,7 +320,7 @@ void addStandardObjects(CatalogWriter& catalog, double created, const std::set<s
         {catalog::kRelationsPage, catalog::kTablesId, "MSysRelationships", catalog::kTypeTable, ids.engine},
     };
     for (const auto& o : objects) {
-        if (except.count(o.id) != 0) continue;
+        if (except.contains(o.id)) continue;
         catalog.add({o.id, o.parent, o.name, o.type, o.owner, catalog::kSystemObject, created});
     }
 }
@@ -351,7 +351,7 @@ void addStandardAccess(CatalogWriter& catalog, const std::set<std::uint32_t>& ex
         {catalog::kRelationsId, ids.users, 0xFFFFF, true},
     };
     for (const auto& e : entries) {
-        if (except.count(e.object) == 0) catalog.allow(e.object, e.who, e.rights, e.inheritable);
+        if (!except.contains(e.object)) catalog.allow(e.object, e.who, e.rights, e.inheritable);
     }
 }
 

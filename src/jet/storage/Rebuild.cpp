@@ -79,7 +79,7 @@ Rebuild::~Rebuild() = default;
 void Rebuild::run() {
     makeTables();
     for (const RebuildTable& table : source_.tables) {
-        if (made_.count(table.definition->page) == 0) continue;
+        if (!made_.contains(table.definition->page)) continue;
         const std::uint32_t page = pages_[table.definition->page];
         copyRows(table, page);
         keepCounter(table, page);
@@ -162,7 +162,7 @@ void Rebuild::copyIndexes(const TableDef& table, const DefinitionParts& old, Tab
     for (std::size_t i = 0; i < table.indexes.size(); ++i) {
         const Index& index = table.indexes[i];
         const auto other = pages_.find(index.relatedTable);
-        if (numbers.count(index.real) == 0 || (index.relatedTable != 0 && other == pages_.end())) {
+        if (!numbers.contains(index.real) || (index.relatedTable != 0 && other == pages_.end())) {
             complete_ = false;
             continue;
         }
@@ -339,7 +339,7 @@ bool Rebuild::takeObject(const TableDef& table, std::vector<Cell>& cells) {
     const std::uint32_t old = asId(id);
     if (type == catalog::kTypeTable && old > catalog::kRelationsPage) {
         const std::uint32_t page = old & catalog::kPageOfId;
-        if (made_.count(page) == 0) return false;
+        if (!made_.contains(page)) return false;
         id = idCell(pages_[page]);
     }
     if (type < 0 && type != kTypeDocument && type != kTypeUser) {
@@ -368,7 +368,7 @@ void Rebuild::addMissingObjects() {
         addStandardObjects(catalog, currentDay(), listed);
         for (const RebuildTable& table : source_.tables) {
             const std::uint32_t page = pages_[table.definition->page];
-            if (made_.count(table.definition->page) == 0 || listed.count(page) != 0) continue;
+            if (!made_.contains(table.definition->page) || listed.contains(page)) continue;
             catalog.addTable(page, table.definition->name, currentDay());
         }
     });
@@ -380,7 +380,7 @@ void Rebuild::addMissingAccess() {
         CatalogWriter catalog(target_, allocator_);
         addStandardAccess(catalog, allowed);
         for (const std::uint32_t old : made_) {
-            if (allowed.count(pages_[old]) == 0) catalog.allowUsers(pages_[old]);
+            if (!allowed.contains(pages_[old])) catalog.allowUsers(pages_[old]);
         }
     });
 }

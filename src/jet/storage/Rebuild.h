@@ -88,7 +88,6 @@ class Rebuild {
     std::map<std::uint32_t, std::uint32_t> pages_;      // definitions: in the source -> in the target
     std::set<std::uint32_t> made_;                      // tables of the source that are in the target
     std::map<std::uint32_t, std::uint32_t> objectIds_;  // in the source -> in the target
-    std::set<std::uint32_t> listed_, allowed_;  // ids in the target's catalog, and with access entries
 };
 
 }  // namespace wendel::jet

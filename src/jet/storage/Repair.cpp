@@ -217,7 +217,7 @@ void Salvage::addNamedTables(const RebuildTable& objects, RebuildSource& source)
 void Salvage::addNamelessTables(const TableDef& objects, RebuildSource& source) {
     std::map<std::uint32_t, std::string> names = namesFromIndexes(file_, objects);
     for (const std::uint32_t page : definitionPages_) {
-        if (known_.count(page) != 0 || isFree(page) || !isDefinition(page)) continue;
+        if (known_.contains(page) || isFree(page) || !isDefinition(page)) continue;
         readable([&] {
             std::string& name = names[page];
             if (name.empty()) name = "Gerettete Tabelle " + std::to_string(page);

@@ -10,21 +10,10 @@
 namespace wendel::jet {
 
 std::size_t fixedValueSize(const Column& column) {
-    switch (column.type) {
-        case ColumnType::kBoolean: return 0;
-        case ColumnType::kByte: return 1;
-        case ColumnType::kInteger: return 2;
-        case ColumnType::kLong:
-        case ColumnType::kSingle: return 4;
-        case ColumnType::kCurrency:
-        case ColumnType::kDouble:
-        case ColumnType::kDate: return 8;
-        case ColumnType::kGuid: return 16;
-        case ColumnType::kDecimal: return kDecimalSize;
-        case ColumnType::kMemo:
-        case ColumnType::kOle: return kLongValueReferenceSize;
-        default: return column.length;
-    }
+    if (column.type == ColumnType::kBoolean) return 0;
+    if (column.isLong()) return kLongValueReferenceSize;
+    const std::size_t size = valueSize(column.type);
+    return size != 0 ? size : column.length;
 }
 
 void RowView::assign(File& file, const TableDef& table, PagePtr page, std::size_t start, std::size_t length,

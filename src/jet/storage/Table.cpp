@@ -24,7 +24,7 @@ void assignMoved(File& file, const TableDef& table, PagePtr page, unsigned slot,
             row.assign(file, table, std::move(page), start, bytes.size(), id);
             return;
         }
-        if (bytes.size() < 4) break;
+        if (bytes.size() < kRowPointerSize) break;
         const RowPointer target = loadRowPointer(bytes.data());
         PagePtr next = file.page(target.page);
         if (!DataPage(file, *next).isDataOf(table.page)) break;

@@ -188,6 +188,21 @@ auto findByName(const List& list, std::string_view name) {
 
 bool isKnownType(std::uint8_t code) { return (code >= 1 && code <= 12) || code == 15 || code == 16; }
 
+std::uint16_t valueSize(ColumnType type) {
+    switch (type) {
+        case ColumnType::kByte: return 1;
+        case ColumnType::kInteger: return 2;
+        case ColumnType::kLong:
+        case ColumnType::kSingle: return 4;
+        case ColumnType::kCurrency:
+        case ColumnType::kDouble:
+        case ColumnType::kDate: return 8;
+        case ColumnType::kGuid: return 16;
+        case ColumnType::kDecimal: return kDecimalSize;
+        default: return 0;
+    }
+}
+
 RowPointer loadRowPointer(const std::uint8_t* p) { return {loadU24(p + 1), p[0]}; }
 
 std::optional<std::size_t> TableDef::findColumn(std::string_view columnName) const {
@@ -226,8 +241,8 @@ DefinitionBytes loadDefinitionBytes(File& file, std::uint32_t page) {
     return joined;
 }
 
-std::shared_ptr<const TableDef> parseTableDef(const File& file, const DefinitionBytes& definition,
-                                              std::string name) {
+std::shared_ptr<const TableDef> loadTableDef(File& file, std::uint32_t page, std::string name) {
+    const DefinitionBytes definition = loadDefinitionBytes(file, page);
     const Layout& layout = file.layout();
     const std::vector<std::uint8_t>& bytes = definition.bytes;
     auto table = std::make_shared<TableDef>();
@@ -251,10 +266,6 @@ std::shared_ptr<const TableDef> parseTableDef(const File& file, const Definition
     parseIndexes(file, reader, realIndexes, logicalIndexes, *table);
     parseLongValueMaps(reader, *table);
     return table;
-}
-
-std::shared_ptr<const TableDef> loadTableDef(File& file, std::uint32_t page, std::string name) {
-    return parseTableDef(file, loadDefinitionBytes(file, page), std::move(name));
 }
 
 }  // namespace wendel::jet

@@ -35,6 +35,8 @@ enum class ColumnType : std::uint8_t {
 };
 
 bool isKnownType(std::uint8_t code);
+// Bytes of a value, where all of the type take as many; 0 for Yes/No, texts, bytes, Memo and OLE.
+std::uint16_t valueSize(ColumnType type);
 
 // A place in the file: page and row slot there. Page 0: nothing.
 struct RowPointer {
@@ -114,11 +116,8 @@ struct DefinitionBytes {
 };
 // Throws Fehler 3049 when one of the pages is something else or the chain has no end.
 DefinitionBytes loadDefinitionBytes(File& file, std::uint32_t page);
-// Throws Fehler 3049 when the definition is damaged.
-std::shared_ptr<const TableDef> parseTableDef(const File& file, const DefinitionBytes& definition,
-                                              std::string name);
 
-// Both in one: the definition that starts on this page. Throws Fehler 3049 when it is damaged.
+// The definition that starts on this page. Throws Fehler 3049 when it is damaged.
 std::shared_ptr<const TableDef> loadTableDef(File& file, std::uint32_t page, std::string name);
 
 }  // namespace wendel::jet

@@ -69,22 +69,12 @@ void storeRowPointer(std::uint8_t* p, RowPointer pointer) {
 
 ColumnType typeOf(const Block& descriptor) { return static_cast<ColumnType>(descriptor[0]); }
 
-std::uint16_t typeLength(ColumnType type, std::uint16_t bytes) {
-    switch (type) {
-        case ColumnType::kBoolean:
-        case ColumnType::kByte: return 1;
-        case ColumnType::kInteger: return 2;
-        case ColumnType::kLong:
-        case ColumnType::kSingle: return 4;
-        case ColumnType::kCurrency:
-        case ColumnType::kDouble:
-        case ColumnType::kDate: return 8;
-        case ColumnType::kGuid: return 16;
-        case ColumnType::kDecimal: return 17;
-        case ColumnType::kMemo:
-        case ColumnType::kOle: return 0;
-        default: return bytes;
-    }
+// What a column of this type has for its length in bytes; `bytes` where that is its own.
+std::uint16_t columnLength(ColumnType type, std::uint16_t bytes) {
+    if (type == ColumnType::kBoolean) return 1;
+    if (type == ColumnType::kMemo || type == ColumnType::kOle) return 0;
+    const std::uint16_t size = valueSize(type);
+    return size != 0 ? size : bytes;
 }
 
 // Where the next columns of a new table go.
@@ -204,7 +194,7 @@ Named newColumn(const File& file, std::string name, ColumnType type, std::uint16
     Block& block = column.block;
     block[0] = static_cast<std::uint8_t>(type);
     block[layout.columnFlags] = flags;
-    storeU16(&block[layout.columnLength], typeLength(type, bytes));
+    storeU16(&block[layout.columnLength], columnLength(type, bytes));
     storeU16(&block[layout.columnSortOrder], file.sortOrder().lcid);
     if (layout.version == Version::kJet4) {
         storeU32(&block[kColumnConstantAt], kDefinitionConstant);

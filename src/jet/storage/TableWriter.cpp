@@ -24,14 +24,6 @@ namespace {
 
 RowPointer placeOf(RowId id) { return {pageOf(id), slotOf(id)}; }
 
-std::span<const std::uint8_t> asBytes(std::string_view text) {
-    return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
-}
-
-std::string_view asText(std::span<const std::uint8_t> bytes) {
-    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
-}
-
 Guid randomGuid() {
     std::random_device random;
     Guid guid;

@@ -16,10 +16,6 @@
 
 namespace wendel::jet {
 
-// A value to write: Null, int64 (Yes/No: -1 and 0), double (also day numbers), text as UTF-8, KeyBytes,
-// KeyCurrency, Decimal, Guid. Texts and bytes are not copied: they must not lie in pages of the file.
-using Cell = KeyValue;
-
 // Use inside File::Writing of the same file only. A function that throws may have done a part of its work:
 // the caller lets its Writing go without commit() and calls forget(). A writer can serve many statements, as
 // long as the table's definition stays the same; forget() also belongs behind every other rollback.
@@ -42,10 +38,10 @@ class TableWriter {
     // The number that the last insert() or reserveAutonumber() gave out or was given; 0 before.
     std::int32_t lastAutonumber() const;
 
-    // One value per column, in the order of TableDef::columns. Null in the counting column (number or GUID)
-    // takes the next one; a larger number than any before raises it. Numbers are rounded to what the column
-    // holds (halves to even), characters that a Jet 3 file lacks become "?", Null in Yes/No means No. Returns
-    // the row's identity.
+    // One value per column, in the order of TableDef::columns and of the column's kind, as RowValues gives
+    // them; texts and bytes must not lie in pages of the file. Null in the counting column (number or GUID)
+    // takes the next one; a larger number than any before raises it. Characters that a Jet 3 file lacks
+    // become "?", Null in Yes/No means No. Returns the row's identity.
     RowId insert(std::span<const Cell> values);
 
     // Gives the columns (positions in TableDef::columns) new values; the row keeps its identity. Throws

@@ -29,6 +29,27 @@ std::size_t asciiRun(const std::uint8_t* p, std::size_t size) {
     return n;
 }
 
+// Appends one code point; a surrogate becomes U+FFFD.
+void appendUtf8(char32_t c, std::string& out) {
+    if (c >= 0xD800 && c < 0xE000) c = kReplacement;
+    const auto byte = [&out](char32_t value) { out.push_back(static_cast<char>(value)); };
+    if (c < 0x80) {
+        byte(c);
+    } else if (c < 0x800) {
+        byte(0xC0 | c >> 6);
+        byte(0x80 | (c & 0x3F));
+    } else if (c < 0x10000) {
+        byte(0xE0 | c >> 12);
+        byte(0x80 | (c >> 6 & 0x3F));
+        byte(0x80 | (c & 0x3F));
+    } else {
+        byte(0xF0 | c >> 18);
+        byte(0x80 | (c >> 12 & 0x3F));
+        byte(0x80 | (c >> 6 & 0x3F));
+        byte(0x80 | (c & 0x3F));
+    }
+}
+
 // One byte per character from U+0001 to U+00FF; 00 switches to two bytes per character, another 00 back.
 void appendCompressed(std::span<const std::uint8_t> bytes, std::string& out) {
     std::size_t i = 0;
@@ -56,6 +77,20 @@ bool isAscii(std::string_view text) {
 void appendUnit(char32_t unit, std::string& out) {
     out.push_back(static_cast<char>(unit & 0xFF));
     out.push_back(static_cast<char>(unit >> 8));
+}
+
+// Appends plain little-endian UTF-16.
+void appendAsUtf16(std::string_view utf8, std::string& out) {
+    out.reserve(out.size() + 2 * utf8.size());
+    for (std::size_t i = 0; i < utf8.size();) {
+        const char32_t c = decodeUtf8(utf8, i);
+        if (c < 0x10000) {
+            appendUnit(c, out);
+        } else {
+            appendUnit(0xD800 + ((c - 0x10000) >> 10), out);
+            appendUnit(0xDC00 + ((c - 0x10000) & 0x3FF), out);
+        }
+    }
 }
 
 // Other writers compress neither the shortest texts nor long ones.
@@ -114,19 +149,6 @@ std::size_t utf16Length(std::string_view utf8) {
     return units;
 }
 
-void appendAsUtf16(std::string_view utf8, std::string& out) {
-    out.reserve(out.size() + 2 * utf8.size());
-    for (std::size_t i = 0; i < utf8.size();) {
-        const char32_t c = decodeUtf8(utf8, i);
-        if (c < 0x10000) {
-            appendUnit(c, out);
-        } else {
-            appendUnit(0xD800 + ((c - 0x10000) >> 10), out);
-            appendUnit(0xDC00 + ((c - 0x10000) & 0x3FF), out);
-        }
-    }
-}
-
 void appendForStorage(Version version, bool compressible, std::string_view utf8, std::string& out) {
     if (version == Version::kJet3) {
         if (isAscii(utf8)) {
@@ -136,26 +158,6 @@ void appendForStorage(Version version, bool compressible, std::string_view utf8,
         }
     } else if (!compressible || !appendAsCompressed(utf8, out)) {
         appendAsUtf16(utf8, out);
-    }
-}
-
-void appendUtf8(char32_t c, std::string& out) {
-    if (c >= 0xD800 && c < 0xE000) c = kReplacement;
-    const auto byte = [&out](char32_t value) { out.push_back(static_cast<char>(value)); };
-    if (c < 0x80) {
-        byte(c);
-    } else if (c < 0x800) {
-        byte(0xC0 | c >> 6);
-        byte(0x80 | (c & 0x3F));
-    } else if (c < 0x10000) {
-        byte(0xE0 | c >> 12);
-        byte(0x80 | (c >> 6 & 0x3F));
-        byte(0x80 | (c & 0x3F));
-    } else {
-        byte(0xF0 | c >> 18);
-        byte(0x80 | (c >> 12 & 0x3F));
-        byte(0x80 | (c >> 6 & 0x3F));
-        byte(0x80 | (c & 0x3F));
     }
 }
 

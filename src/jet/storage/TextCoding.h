@@ -20,18 +20,12 @@ void appendUtf16(std::span<const std::uint8_t> bytes, std::string& out);
 // Windows-1252.
 void appendStoredText(Version version, std::span<const std::uint8_t> bytes, std::string& out);
 
-// Appends one code point; a surrogate becomes U+FFFD.
-void appendUtf8(char32_t codePoint, std::string& out);
-
 // The code point at this position, which is moved behind it. A byte that belongs to no UTF-8 sequence and a
 // surrogate give U+FFFD. Needs position < text.size().
 char32_t decodeUtf8(std::string_view text, std::size_t& position);
 
 // Length in UTF-16 units, by which the lengths of text columns count.
 std::size_t utf16Length(std::string_view utf8);
-
-// Appends plain little-endian UTF-16.
-void appendAsUtf16(std::string_view utf8, std::string& out);
 
 // Appends the stored form of a text: what appendStoredText() reads. Jet 4: where allowed and of use, one byte
 // per character. Jet 3: Windows-1252, with "?" for what it lacks. A text that begins with U+FEFF has no

@@ -21,6 +21,15 @@ struct Decimal {
     std::array<std::uint32_t, 4> magnitude{};
     std::uint8_t scale = 0;
 
+    static Decimal of(std::int64_t units, std::uint8_t scale = 0);
+
+    bool isZero() const;
+    // The magnitude times ten and this digit; false, with a magnitude of no use, when 128 bits do not hold
+    // it.
+    bool appendDigit(unsigned digit);
+    // The magnitude without its last digit, which is returned.
+    unsigned dropDigit();
+
     // All digits, with exactly `scale` decimals: "-0.0010".
     std::string toText() const;
 

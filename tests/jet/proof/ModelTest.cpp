@@ -14,8 +14,7 @@
 #include "jet/proof/Proof.h"
 #include "jet/proof/Values.h"
 #include "jet/storage/Compact.h"
-#include "jet/storage/EveryType.h"
-#include "jet/storage/Schema.h"
+#include "jet/storage/OwnFile.h"
 #include "jet/storage/Table.h"
 #include "jet/storage/TableWriter.h"
 #include "support/Fehlernummer.h"
@@ -24,7 +23,6 @@ namespace wendel::jet::proof {
 namespace {
 
 constexpr unsigned kSeed = 20121224;
-using Row = std::vector<Value>;
 std::int64_t wholeOf(std::size_t n) { return static_cast<std::int64_t>(n); }
 
 const std::vector<IndexSpec> kIndexes = {
@@ -40,11 +38,7 @@ const std::vector<IndexSpec> kIndexes = {
     {.name = "Me", .columns = {{"Me", false}}}};
 
 void createOwnFile(const std::string& path, Version version) {
-    createDatabaseFile(path, version);
-    Database database(path, Access::kReadWrite);
-    File::Writing writing(database.file());
-    createTable(database, "Probe", test::everyType(version), kIndexes);
-    writing.commit(Durability::kSoon);
+    test::createFileWithTable(path, version, "Probe", test::everyType(version), kIndexes);
 }
 
 // Reads the table anew and says where it differs from the rows expected.
@@ -57,11 +51,11 @@ std::string difference(Database& database, const std::string& table, const std::
         const auto row = expected.find(keyOf(scan.row()));
         if (row == expected.end())
             return table + ": a row that is not expected, " + std::to_string(keyOf(scan.row()));
+        const Row read = readRow(scan.row());
         for (std::size_t c = 0; c < row->second.size(); ++c) {
-            const Value value = readValue(scan.row(), c);
-            if (value != row->second[c])
+            if (read[c] != row->second[c])
                 return table + " " + std::to_string(row->first) + "." + definition->columns[c].name + " is " +
-                       value.shown() + " instead of " + row->second[c].shown();
+                       read[c].shown() + " instead of " + row->second[c].shown();
         }
     }
     return found == expected.size()
@@ -69,7 +63,7 @@ std::string difference(Database& database, const std::string& table, const std::
                : table + ": " + std::to_string(expected.size() - found) + " rows missing";
 }
 
-// What another program reads, column by column where it is known to show the truth.
+// Where what another program reads differs, in the columns of which it is known to show the truth.
 template <class Key>
 std::string exportDifference(const std::string& path, const TableDef& table,
                              const std::map<Key, Row>& expected) {
@@ -79,28 +73,21 @@ std::string exportDifference(const std::string& path, const TableDef& table,
         for (std::size_t c = 0; c < row.size(); ++c)
             comparable[c] = comparable[c] && row[c].exported().has_value();
     }
-    std::vector<std::vector<std::string>> wanted, found = exported(path, table.name);
-    for (const auto& [key, row] : expected) {
-        wanted.emplace_back();
-        for (std::size_t c = 0; c < row.size(); ++c)
-            wanted.back().push_back(comparable[c] ? *row[c].exported() : "");
-    }
-    for (std::vector<std::string>& row : found) {
-        row.resize(comparable.size());
-        for (std::size_t c = 0; c < row.size(); ++c)
-            if (!comparable[c]) row[c].clear();
-    }
-    std::sort(wanted.begin(), wanted.end());
-    std::sort(found.begin(), found.end());
-    if (wanted.size() != found.size())
-        return table.name + ": mdb-export shows " + std::to_string(found.size()) + " rows";
-    for (std::size_t r = 0; r < wanted.size(); ++r) {
-        for (std::size_t c = 0; c < wanted[r].size(); ++c)
-            if (wanted[r][c] != found[r][c])
-                return table.name + "." + table.columns[c].name + ": mdb-export shows " +
-                       found[r][c].substr(0, 90) + " instead of " + wanted[r][c].substr(0, 90);
-    }
-    return "";
+    const auto line = [&comparable](const auto& cell) {
+        std::string text;
+        for (std::size_t c = 0; c < comparable.size(); ++c)
+            text += (comparable[c] ? cell(c) : "") + "|";
+        return text;
+    };
+    std::multiset<std::string> wanted, found;
+    for (const auto& [key, row] : expected)
+        wanted.insert(line([&values = row](std::size_t c) { return *values[c].exported(); }));
+    for (const std::vector<std::string>& cells : exported(path, table.name))
+        found.insert(line([&cells](std::size_t c) { return c < cells.size() ? cells[c] : ""; }));
+    if (wanted == found) return "";
+    const auto other = std::mismatch(wanted.begin(), wanted.end(), found.begin(), found.end());
+    return table.name + ": mdb-export shows " + (other.second == found.end() ? "too little" : *other.second) +
+           " instead of " + (other.first == wanted.end() ? "nothing" : *other.first);
 }
 
 // The tables of one file, changed row by row through the storage layer; rows go by their identity.
@@ -160,12 +147,8 @@ class StorageModel {
             for (const auto& [id, row] : table.rows)
                 expected.insert(joined(row));
             const auto definition = database.table(table.name);
-            for (TableScan scan(database.file(), *definition); scan.next();) {
-                Row row;
-                for (std::size_t c = 0; c < definition->columns.size(); ++c)
-                    row.push_back(readValue(scan.row(), c));
-                found.insert(joined(row));
-            }
+            for (TableScan scan(database.file(), *definition); scan.next();)
+                found.insert(joined(readRow(scan.row())));
             EXPECT_EQ(found, expected) << table.name;
         }
     }
@@ -201,11 +184,8 @@ class StorageModel {
     void load(const std::string& name) {
         Table table{.name = name};
         const std::shared_ptr<const TableDef> definition = database_->table(name);
-        for (TableScan scan(database_->file(), *definition); scan.next();) {
-            Row& row = table.rows[scan.row().id()];
-            for (std::size_t c = 0; c < definition->columns.size(); ++c)
-                row.push_back(readValue(scan.row(), c));
-        }
+        for (TableScan scan(database_->file(), *definition); scan.next();)
+            table.rows[scan.row().id()] = readRow(scan.row());
         for (const Index& index : definition->indexes)
             for (const IndexColumn& column : index.columns)
                 if (index.unique || index.required) table.inUnique.insert(column.column);

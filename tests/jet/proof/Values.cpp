@@ -6,7 +6,6 @@
 #include <cmath>
 #include <iterator>
 
-#include "jet/storage/ReadEverything.h"
 #include "jet/storage/TestFiles.h"
 
 namespace wendel::jet::proof {
@@ -193,15 +192,19 @@ std::string Value::shown() const {
     return literal().value_or("?");
 }
 
-Value readValue(const RowView& row, std::size_t column) {
-    Value value{row.table().columns[column].type};
-    std::string buffer;
-    std::visit(Cases{[](std::monostate) {}, [&](std::string_view s) { value.data = std::string(s); },
-                     [&](const KeyBytes& b) { value.data = std::string(b.bytes); },
-                     [&](const KeyCurrency& c) { value.data = c.tenThousandths; },
-                     [&](const auto& other) { value.data = other; }},
-               test::keyValue(row, column, buffer));
-    return value;
+Row readRow(const RowView& row) {
+    Row read;
+    const RowValues values(row);
+    for (const Cell& cell : values.cells()) {
+        Value& value = read.emplace_back();
+        value.type = row.table().columns[read.size() - 1].type;
+        std::visit(Cases{[](std::monostate) {}, [&](std::string_view s) { value.data = std::string(s); },
+                         [&](const KeyBytes& b) { value.data = std::string(b.bytes); },
+                         [&](const KeyCurrency& c) { value.data = c.tenThousandths; },
+                         [&](const auto& other) { value.data = other; }},
+                   cell);
+    }
+    return read;
 }
 
 Value randomValue(Random& random, const Column& column, Version version, bool distinct) {

@@ -7,6 +7,7 @@
 #include <random>
 #include <string>
 #include <variant>
+#include <vector>
 
 #include "jet/storage/KeyEncoder.h"
 #include "jet/storage/Row.h"
@@ -39,7 +40,8 @@ struct Value {
     friend bool operator==(const Value&, const Value&) = default;
 };
 
-Value readValue(const RowView& row, std::size_t column);
+using Row = std::vector<Value>;
+Row readRow(const RowView& row);
 
 // A value that the column can hold. Sizes lie around the limits at which values are stored differently;
 // `distinct` makes equal ones unlikely.

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <filesystem>
 #include <string>
 
 #include "jet/storage/Bytes.h"
@@ -139,18 +138,6 @@ TEST_F(DamageTest, EncodedFilesAreReadAsTheOthers) {
     EXPECT_EQ(found.damaged, 0u);
     EXPECT_EQ(found.cells, expected.cells);
     EXPECT_EQ(found.entries, expected.entries);
-}
-
-TEST_F(DamageTest, ChangesByOthersAreNoticed) {
-    EXPECT_FALSE(File(test::dataPath("tvdaten-klein.mdb"), Access::kReadOnly).changed());
-    copy_.write(image_);
-    const File file(copy_.path(), Access::kReadOnly);
-    copy_.write(image_);  // the same size, perhaps the same time stamp
-    EXPECT_TRUE(file.changed());
-    std::filesystem::rename(copy_.path(), copy_.folder() + "/gone");
-    EXPECT_FALSE(file.changed());
-    copy_.write("another file in its place, as compacting leaves it");
-    EXPECT_TRUE(file.changed());
 }
 
 }  // namespace

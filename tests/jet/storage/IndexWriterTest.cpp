@@ -15,11 +15,11 @@
 #include "jet/storage/IndexCheck.h"
 #include "jet/storage/IndexCursor.h"
 #include "jet/storage/IndexWriter.h"
+#include "jet/storage/OwnFile.h"
 #include "jet/storage/PageAllocator.h"
-#include "jet/storage/Schema.h"
 #include "jet/storage/TestFiles.h"
 #include "jet/storage/UsageMap.h"
-#include "platform/Fehler.h"
+#include "support/Fehlernummer.h"
 
 namespace wendel::jet {
 namespace {
@@ -41,19 +41,8 @@ std::vector<Entry> entriesOf(File& file, const TableDef& table, const Index& ind
 class OneIndex {
   public:
     explicit OneIndex(Version version) {
-        createDatabaseFile(copy_.path(), version);
-        {
-            Database database(copy_.path(), Access::kReadWrite);
-            File::Writing writing(database.file());
-            const ColumnSpec column{.name = "n"};
-            const IndexSpec index{.name = "i", .columns = {{"n", false}}};
-            createTable(database, "t", {&column, 1}, {&index, 1});
-            writing.commit(Durability::kSoon);
-        }
-        open();
-    }
-
-    void open() {
+        test::createFileWithTable(copy_.path(), version, "t", {{.name = "n"}},
+                                  {{.name = "i", .columns = {{"n", false}}}});
         database_ = std::make_unique<Database>(copy_.path(), Access::kReadWrite);
         table = database_->table("t");
     }
@@ -198,12 +187,8 @@ TEST(IndexWriter, CountsDistinctKeysAndFillsPagesInOrder) {
     File::Writing writing(other.file());
     PageAllocator allocator(other.file());
     IndexWriter writer(other.file(), allocator, *other.table, other.index());
-    try {
-        writer.insert(std::string(893, 'x'), 1);
-        ADD_FAILURE() << "took a key of which no two fit into a node";
-    } catch (const Fehler& e) {
-        EXPECT_EQ(e.nummer(), jetfehler::kRowTooLarge);
-    }
+    EXPECT_EQ(fehlernummerVon([&] { writer.insert(std::string(893, 'x'), 1); }), jetfehler::kRowTooLarge)
+        << "no two of it fit into a node";
 }
 
 }  // namespace

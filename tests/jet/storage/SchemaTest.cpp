@@ -4,18 +4,15 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "jet/storage/Bytes.h"
 #include "jet/storage/Compact.h"
-#include "jet/storage/EveryType.h"
 #include "jet/storage/FileCheck.h"
-#include "jet/storage/Schema.h"
+#include "jet/storage/OwnFile.h"
 #include "jet/storage/TableDefWriter.h"
-#include "jet/storage/TableWriter.h"
 #include "jet/storage/TestFiles.h"
 #include "jet/storage/WholeFile.h"
 #include "support/Fehlernummer.h"
@@ -24,14 +21,7 @@ namespace wendel::jet {
 namespace {
 
 namespace fs = std::filesystem;
-
-template <class Step>
-void change(const std::string& path, Step step) {
-    Database database(path, Access::kReadWrite);
-    File::Writing writing(database.file());
-    step(database);
-    writing.commit(Durability::kSoon);
-}
+using test::change;
 
 std::size_t filesIn(const std::string& folder) {
     return static_cast<std::size_t>(std::distance(fs::directory_iterator(folder), {}));
@@ -72,6 +62,7 @@ class VersionTest : public testing::TestWithParam<Version> {
 };
 INSTANTIATE_TEST_SUITE_P(Versions, VersionTest, testing::Values(Version::kJet3, Version::kJet4));
 
+// What is made in them, and what is refused: jetsql.changes.
 TEST_P(VersionTest, NewFilesAreWhatTheEngineMakes) {
     EXPECT_EQ(filesIn(copy_.folder()), 1u);
     EXPECT_EQ(test::outputOf("mdb-tables -S '" + path() + "'"),
@@ -94,93 +85,6 @@ TEST_P(VersionTest, NewFilesAreWhatTheEngineMakes) {
         };
         EXPECT_EQ(access(path()), access(real));
     }
-}
-
-TEST_P(VersionTest, TablesOfEveryTypeAreReadByOthers) {
-    const std::vector<ColumnSpec> columns = test::everyType(GetParam());
-    const std::vector<IndexSpec> indexes = {
-        {.name = "Titel", .columns = {{"Tx", false}, {"datum", true}}},
-        {.name = "PrimaryKey", .columns = {{"ID", false}}, .primary = true},
-        {.name = "Roh", .columns = {{"Bin", false}}, .unique = true, .ignoreNulls = true}};
-    change(path(), [&](Database& d) { createTable(d, "Prüf-Tabelle", columns, indexes); });
-    change(path(), [&](Database& d) {
-        const auto table = d.table("prüf-tabelle");
-        TableWriter writer(d.file(), table);
-        std::vector<Cell> cells(columns.size());
-        cells[9] = "Das Ü";
-        cells[16] = 41267.84375;
-        writer.insert(cells);
-    });
-    EXPECT_EQ(test::outputOf("mdb-export '" + path() + "' 'Prüf-Tabelle' | cut -d, -f1,2,10,17"),
-              "ID,Ja,Tx,Datum\n1,0,\"Das Ü\",\"12/24/12 20:15:00\"\n");
-    const std::string decimal = GetParam() == Version::kJet4 ? "[Dez] Numeric (18 4) " : "";
-    EXPECT_EQ(
-        test::outputOf("mdb-schema '" + path() + "' access | grep -P '^\\t' | tr -s '\\t,\\n' ' '"),
-        " [ID] Long Integer [Ja] Boolean NOT NULL [By] Byte [Ga] Integer [La] Long Integer [Geld] Currency "
-        "[Da] DateTime [Ei] Single [Do] Double [Tx] Text (255) [Tk] Text (20) [Bin] Binary "
-        "[Me] Memo/Hyperlink (255) [Mu] Memo/Hyperlink (255) [Ole] OLE (255) [Gu] Replication ID "
-        "[Datum] DateTime " +
-            decimal);
-    EXPECT_EQ(test::outputOf("mdb-schema --indexes '" + path() + "' postgres | grep -e INDEX -e KEY"),
-              "-- CREATE INDEXES ...\n"
-              "ALTER TABLE \"prüf-tabelle\" ADD CONSTRAINT \"prüf-tabelle_pkey\" PRIMARY KEY (\"id\");\n"
-              "CREATE UNIQUE INDEX \"prüf-tabelle_roh_idx\" ON \"prüf-tabelle\" (\"bin\");\n"
-              "CREATE INDEX \"prüf-tabelle_titel_idx\" ON \"prüf-tabelle\" (\"tx\", \"datum\" DESC);\n");
-    EXPECT_EQ(test::checkedIndexes(path()).size(), 3u);
-}
-
-TEST_P(VersionTest, WhatIsNotAllowedLeavesNothing) {
-    const ColumnSpec n{.name = "n"}, t{.name = "t", .type = ColumnType::kText, .size = 10},
-        ole{.name = "o", .type = ColumnType::kOle};
-    const IndexSpec key{.name = "PrimaryKey", .columns = {{"n", false}}, .primary = true};
-    change(path(), [&](Database& d) { createTable(d, "a", std::vector{n, t, ole}, std::span(&key, 1)); });
-    change(path(), [&](Database& d) {
-        TableWriter writer(d.file(), d.table("a"));
-        for (std::int64_t i = 0; i < 3; ++i)
-            writer.insert(std::vector<Cell>{i, i == 0 ? Cell() : Cell("Straße"), Cell()});
-    });
-    const auto table = [](const std::string& name, std::vector<ColumnSpec> columns) {
-        return [=](Database& d) { createTable(d, name, columns, {}); };
-    };
-    const auto index = [](const std::string& name, const IndexSpec& spec) {
-        return [=](Database& d) { createIndex(d, name, spec); };
-    };
-    const auto on = [](std::vector<std::pair<std::string, bool>> columns) {
-        return IndexSpec{.name = "i", .columns = std::move(columns)};
-    };
-    IndexSpec unique = on({{"t", false}}), required = unique, primary = unique;
-    unique.unique = required.required = primary.primary = true;
-    const ColumnSpec sizeless{.name = "t", .type = ColumnType::kText};
-    const struct {
-        const char* name;
-        std::function<void(Database&)> step;
-        int number;
-    } rows[] = {
-        {"table of the catalog exists", table("msysaces", {n}), 3010},
-        {"no name", table("", {n}), 3125},
-        {"leading blank", table(" b", {n}), 3125},
-        {"dot in a column name", table("b", {{.name = "n.m"}}), 3125},
-        {"65 characters", table(std::string(65, 'x'), {n}), 3125},
-        {"brackets", table("[b]", {n}), 3126},
-        {"no columns", table("b", {}), 3190},
-        {"256 columns", table("b", std::vector<ColumnSpec>(256, n)), 3190},
-        {"column twice", table("b", {n, {.name = "N"}}), 3191},
-        {"text without length", table("b", {sizeless}), 3259},
-        {"two counting columns",
-         table("b", {{.name = "x", .autonumber = true}, {.name = "y", .autonumber = true}}), 3259},
-        {"index exists", index("a", {.name = "PRIMARYKEY", .columns = {{"t", false}}}), 3284},
-        {"second primary key", index("a", {.name = "p", .columns = {{"t", false}}, .primary = true}), 3283},
-        {"no column", index("a", on({})), 3409},
-        {"column twice in an index", index("a", on({{"t", false}, {"T", true}})), 3409},
-        {"index on OLE", index("a", on({{"o", false}})), 3259},
-        {"eleven columns", index("a", on(std::vector(11, std::pair(std::string("n"), false)))), 3277},
-        {"rows with Null", index("a", required), 3314},
-        {"system table", [](Database& d) { dropTable(d, "MSysObjects"); }, 3112},
-    };
-    const std::string before = test::readFile(path());
-    for (const auto& row : rows)
-        EXPECT_EQ(fehlernummerVon([&] { change(path(), row.step); }), row.number) << row.name;
-    EXPECT_TRUE(test::readFile(path()) == before);
 }
 
 class ForeignFileTest : public testing::TestWithParam<const char*> {

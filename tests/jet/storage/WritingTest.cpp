@@ -15,14 +15,14 @@
 #include "jet/storage/Catalog.h"
 #include "jet/storage/DataPage.h"
 #include "jet/storage/FileCheck.h"
-#include "jet/storage/Schema.h"
+#include "jet/storage/OwnFile.h"
 #include "jet/storage/Table.h"
 #include "jet/storage/TableWriter.h"
 #include "jet/storage/TestFiles.h"
 #include "jet/storage/UsageMap.h"
 #include "jet/storage/UsageMapRows.h"
 #include "jet/storage/WholeFile.h"
-#include "platform/Fehler.h"
+#include "support/Fehlernummer.h"
 
 namespace wendel::jet {
 namespace {
@@ -46,11 +46,7 @@ class Writable {
   public:
     Writable(Version version, const std::vector<ColumnSpec>& columns,
              const std::vector<IndexSpec>& indexes = {}) {
-        createDatabaseFile(copy_.path(), version);
-        Database database(copy_.path(), Access::kReadWrite);
-        File::Writing writing(database.file());
-        createTable(database, "Tabelle", columns, indexes);
-        writing.commit(Durability::kSoon);
+        test::createFileWithTable(copy_.path(), version, "Tabelle", columns, indexes);
         database_ = std::make_unique<Database>(copy_.path(), Access::kReadWrite);
         table_ = database_->table("Tabelle");
         writer_ = std::make_unique<TableWriter>(database_->file(), table_);
@@ -58,15 +54,13 @@ class Writable {
 
     // One statement; its error number, 0 for none.
     int run(const std::function<void(TableWriter&)>& change) {
-        try {
+        const int number = fehlernummerVon([&] {
             File::Writing writing(database_->file());
             change(*writer_);
             writing.commit(Durability::kSoon);
-            return 0;
-        } catch (const Fehler& e) {
-            writer_->forget();
-            return e.nummer();
-        }
+        });
+        if (number != 0) writer_->forget();
+        return number;
     }
     RowId insert(const std::vector<Cell>& cells) {
         RowId id = 0;
@@ -96,7 +90,6 @@ class Writable {
 
 const std::vector<std::string> kSound;
 
-constexpr auto kLarge = std::int64_t{1} << 40;
 constexpr Decimal kDecimal = {true, {0, 0, 1, 5}, 3};  // -4294967.301
 constexpr int kTooLong = 3163, kOverflow = 3349, kWrongKind = 3421;
 
@@ -112,14 +105,8 @@ struct ValueCase {
 const std::vector<ValueCase> kValueCases = {
     {"Null is no", {"c", ColumnType::kBoolean}, {}, "0", "0"},
     {"byte too large", {"c", ColumnType::kByte}, std::int64_t{256}, "", "", kOverflow},
-    {"byte below zero", {"c", ColumnType::kByte}, -0.6, "", "", kOverflow},
-    {"half to even", {"c", ColumnType::kInteger}, 2.5, "2", "2"},
-    {"integer too large", {"c", ColumnType::kInteger}, 32767.5, "", "", kOverflow},
     {"long too large", {"c", ColumnType::kLong}, std::int64_t{1} << 31, "", "", kOverflow},
-    {"money into long", {"c", ColumnType::kLong}, KeyCurrency{15000}, "2", "2"},
     {"text into long", {"c", ColumnType::kLong}, "1", "", "", kWrongKind},
-    {"number into money", {"c", ColumnType::kCurrency}, 0.1, "1000e-4", "0.1000"},
-    {"money too large", {"c", ColumnType::kCurrency}, 1e15, "", "", kOverflow},
     {"single too large", {"c", ColumnType::kSingle}, 1e39, "", "", kOverflow},
     {"infinite", {"c", ColumnType::kDouble}, 1e308 * 10, "", "", kOverflow},
     {"date too late", {"c", ColumnType::kDate}, 2958466.0, "", "", kOverflow},
@@ -129,13 +116,13 @@ const std::vector<ValueCase> kValueCases = {
     {"euro sign", {"c", ColumnType::kText, 5, false, true}, "12 \u20ac", "'12 \u20ac'", "12 \u20ac"},
     {"text too long", {"c", ColumnType::kText, 5}, "123456", "", "", kTooLong},
     {"number into text", {"c", ColumnType::kText, 5}, std::int64_t{1}, "", "", kWrongKind},
+    {"rounded", {"c", ColumnType::kDecimal, 0, false, false, 12, 2}, kDecimal, "-4294967.30", "-4294967.30"},
+    {"digits", {"c", ColumnType::kDecimal, 0, false, false, 9, 3}, kDecimal, "", "", kOverflow},
     {"decimal",
      {"c", ColumnType::kDecimal, 0, false, false, 12, 3},
      kDecimal,
      "-4294967.301",
      "-4294967.301"},
-    {"rounded", {"c", ColumnType::kDecimal, 0, false, false, 12, 1}, 0.25, "0.2", "0.2"},
-    {"digits", {"c", ColumnType::kDecimal, 0, false, false, 12, 3}, kLarge, "", "", kOverflow},
 };
 const std::vector<ValueCase> kJet4Cases = {
     {"beyond", {"c", ColumnType::kText, 2}, "\U0001F600", "'\U0001F600'", ""},
@@ -201,48 +188,10 @@ TEST_P(WritingTest, PlaceOfLongValuesIsUsedAgain) {
         pages.push_back(written.file().pageCount());
         for (const RowId id : ids)
             EXPECT_EQ(written.run([&](TableWriter& writer) { writer.remove(id); }), 0);
+        EXPECT_EQ(written.update(ids[0], 0, {}), jetfehler::kRecordDeleted);
         EXPECT_EQ(written.findings(), kSound);
     }
     EXPECT_EQ(pages[0], pages[1]);
-}
-
-TEST_P(WritingTest, IndexesRefuseWhatTheyMustNotHold) {
-    Writable written(
-        GetParam(),
-        {{"Id", ColumnType::kLong, 0, true}, {"E", ColumnType::kText, 20}, {"P", ColumnType::kLong}},
-        {{"PrimaryKey", {{"Id", false}}, true, true},
-         {"E", {{"E", false}}, true},
-         {"P", {{"P", false}}, false, false, true}});
-    const std::int64_t one = 1;
-    const RowId first = written.insert({{}, "Straße", one});
-    written.insert({{}, {}, one});
-    const auto insert = [&](const std::vector<Cell>& cells) {
-        return written.run([&](TableWriter& writer) { writer.insert(cells); });
-    };
-    const auto before = written.rows();
-    EXPECT_EQ(insert({{}, "STRASSE ", one}), 3022);
-    EXPECT_EQ(insert({one, "x", one}), 3022);
-    EXPECT_EQ(insert({{}, "x", {}}), 3314);
-    EXPECT_EQ(written.update(first, 0, Cell{std::int64_t{2}}), 3022);
-    EXPECT_EQ(written.update(first, 2, {}), 3314);
-    EXPECT_EQ(written.update(makeRowId(pageOf(first), 77), 2, one), 3167);
-    EXPECT_EQ(written.rows(), before);
-    // Nulls are no duplicates of each other, a row none of itself; refused rows use up no number.
-    EXPECT_EQ(written.update(first, 1, "strasse"), 0);
-    RowId next = written.insert({{}, {}, one});
-    EXPECT_EQ(written.rows()[next][0], "3");
-    // A number that is given raises the next one.
-    written.insert({std::int64_t{100}, {}, one});
-    std::int32_t reserved = 0;
-    EXPECT_EQ(written.run([&](TableWriter& writer) { reserved = writer.reserveAutonumber(); }), 0);
-    EXPECT_EQ(reserved, 101);
-    next = written.insert({{}, {}, one});
-    EXPECT_EQ(written.rows()[next][0], "102");
-    // When the last number is taken, only given ones are left.
-    written.insert({std::int64_t{INT32_MAX}, {}, one});
-    EXPECT_EQ(insert({{}, {}, one}), 3349);
-    written.insert({std::int64_t{-1}, {}, one});
-    EXPECT_EQ(written.findings(), kSound);
 }
 
 // More pages than the maps of a new table and of the file have bits for at first, and then all given back.

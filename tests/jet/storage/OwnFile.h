@@ -1,11 +1,28 @@
 #pragma once
-// Columns of every type that the version has, in their order: for tables of the tests' own files.
+// Files of the tests' own: one statement on a file, a file with one table, and columns of every type that the
+// version has.
 
+#include <string>
 #include <vector>
 
 #include "jet/storage/Schema.h"
 
 namespace wendel::jet::test {
+
+template <class Step>
+void change(const std::string& path, Step step) {
+    Database database(path, Access::kReadWrite);
+    File::Writing writing(database.file());
+    step(database);
+    writing.commit(Durability::kSoon);
+}
+
+inline void createFileWithTable(const std::string& path, Version version, const std::string& name,
+                                const std::vector<ColumnSpec>& columns,
+                                const std::vector<IndexSpec>& indexes = {}) {
+    createDatabaseFile(path, version);
+    change(path, [&](Database& database) { createTable(database, name, columns, indexes); });
+}
 
 inline std::vector<ColumnSpec> everyType(Version version) {
     std::vector<ColumnSpec> columns = {
