@@ -1,22 +1,22 @@
 #include "core/Aufzeichnungsablauf.h"
 
 #include <algorithm>
-#include <memory>
 #include <utility>
 
 #include "core/Aufzeichnungstexte.h"
 #include "core/Datenbestand.h"
+#include "core/Fehlermeldung.h"
 #include "core/FormAufzeichnungsverlauf.h"
 #include "core/FormWendel.h"
 #include "recording/FormAufzeichnungsHinweis.h"
 #include "recording/FormAufzeichnungsskript.h"
-#include "tvdb/cSendung.h"
 
 namespace wendel {
 
 namespace {
 
 using Phase = Aufzeichnungsphase;
+using Vorhaben = Aufzeichnungsplan::Vorhaben;
 
 constexpr const char* kTitel = "Aufzeichnung";
 constexpr const char* kWachgrund = "Lomrick zeichnet eine Sendung auf.";
@@ -24,30 +24,10 @@ constexpr std::string_view kZusatzSchlief = "Rechner schlief währenddessen";
 constexpr std::int64_t kHinweisSekunden = 60;
 constexpr std::int64_t kWeckenSekunden = 180;
 constexpr std::int64_t kVersuchSekunden = 60;
-constexpr std::int64_t kKonfliktSekunden = 2 * 3600;
 // A locked database holds a tick up for minutes.
 constexpr std::int64_t kSchlafMs = 5 * 60000;
 constexpr int kStartMinuten = 10;
 constexpr int kSchlussMinuten = 5;
-
-Aufzeichnung aufzeichnungAus(const cTermin& termin) {
-    return {termin.WeckZeit, termin.Fensterende, termin.Sendungsbeginn, termin.Sendung->SenderKennung,
-            termin.Sendung->Titel};
-}
-
-TerminZeiger terminAus(const Aufzeichnung& a) {
-    auto termin = std::make_shared<cTermin>();
-    termin->WeckZeit = a.beginn;
-    termin->Fensterende = a.ende;
-    termin->Sendungsbeginn = a.sendungsbeginn;
-    termin->WeckText = Format(a.sendungsbeginn, "hh\\:nn") + " " + a.titel + " (" + a.senderkennung + ")";
-    termin->Aktiv = true;
-    termin->Art = Terminart::Aufzeichnung;
-    termin->Sendung = std::make_shared<cSendung>();
-    termin->Sendung->SenderKennung = a.senderkennung;
-    termin->Sendung->Titel = a.titel;
-    return termin;
-}
 
 bool imFenster(const Aufzeichnung& a, Datum jetzt) { return a.beginn <= jetzt && jetzt < a.ende; }
 
@@ -73,6 +53,7 @@ Aufzeichnungsablauf::Aufzeichnungsablauf(const Ports& ports, Datenbestand& besta
       skript_(ports, bestand, formen.status),
       tv_(ports, skript_),
       stand_(ports.dateien, protokoll, bestand.werte().programmordner),
+      plan_(bestand, stand_),
       wachstum_(ports),
       wachdienst_(ports.energie) {}
 
@@ -86,83 +67,14 @@ void Aufzeichnungsablauf::verbinde(FormWendel& form) {
 void Aufzeichnungsablauf::laden() {
     gestartet_ = ports_.uhr.jetzt();
     stand_.lesen();
-    planErneuern();
+    plan_.erneuern();
 }
 
 void Aufzeichnungsablauf::abgleichen() {
-    if (abgeglichen_ == bestand_.aufzeichnungenGelesen()) return;
-    abgeglichen_ = bestand_.aufzeichnungenGelesen();
-    const std::vector<Aufzeichnungseintrag> bekannte = stand_.eintraege();
-    for (const Aufzeichnungseintrag& eintrag : bekannte) {
-        if (!istZurueckgezogen(eintrag)) continue;
-        stand_.vergiss(eintrag.aufzeichnung);
-        if (!laufende_) formen_.status.schliessen();  // the steps of a start that has failed
-    }
-    const Datum jetzt = ports_.uhr.jetzt();
-    for (const TerminZeiger& termin : bestand_.aufzeichnungen()) {
-        const Aufzeichnung gelesen = aufzeichnungAus(*termin);
-        // What can't be recorded any more when it becomes known was not planned.
-        if (stand_.finde(gelesen) || gelesen.ende > std::max(jetzt, gelesen.beginn)) stand_.merke(gelesen);
-    }
-    planErneuern();
+    if (plan_.istAktuell()) return;
+    // The window may show the steps of a start that has failed.
+    if (plan_.abgleichen(ports_.uhr.jetzt()) && !laufende_) formen_.status.schliessen();
     speichern();
-}
-
-// The query leaves out what is over but for its follow-up time; else one that is missing is not wanted any
-// more. What has begun runs to its end.
-bool Aufzeichnungsablauf::istZurueckgezogen(const Aufzeichnungseintrag& eintrag) const {
-    const Aufzeichnung& a = eintrag.aufzeichnung;
-    if (eintrag.phase != Phase::Geplant) return false;
-    const auto istGemeint = [&](const TerminZeiger& t) { return istDieselbe(aufzeichnungAus(*t), a); };
-    if (std::ranges::any_of(bestand_.aufzeichnungen(), istGemeint)) return false;
-    const Datum jetzt = ports_.uhr.jetzt();
-    const Datum sendungsende = DateAdd(Einheit::Minute, -bestand_.konfiguration().nachlaufMinuten, a.ende);
-    return jetzt < a.beginn || (jetzt < a.ende && jetzt < sendungsende);
-}
-
-void Aufzeichnungsablauf::planErneuern() {
-    std::vector<Vorhaben> neu;
-    for (const Aufzeichnungseintrag& eintrag : stand_.eintraege()) {
-        if (eintrag.vorbei()) continue;
-        Vorhaben& vorhaben = neu.emplace_back(Vorhaben{eintrag.aufzeichnung, termin(eintrag.aufzeichnung)});
-        const auto alt = std::ranges::find_if(
-            plan_, [&](const Vorhaben& v) { return istDieselbe(v.aufzeichnung, eintrag.aufzeichnung); });
-        if (alt == plan_.end()) continue;
-        vorhaben.angekuendigt = alt->angekuendigt;
-        vorhaben.vertroestet = alt->vertroestet;
-        // A record that has not changed stays the same, so that the list keeps its selection.
-        if (alt->aufzeichnung == vorhaben.aufzeichnung) vorhaben.termin = alt->termin;
-    }
-    std::ranges::stable_sort(neu, {}, [](const Vorhaben& v) { return v.aufzeichnung.beginn; });
-    plan_ = std::move(neu);
-    termine_.clear();
-    for (const Vorhaben& vorhaben : plan_)
-        termine_.push_back(vorhaben.termin);
-}
-
-TerminZeiger Aufzeichnungsablauf::termin(const Aufzeichnung& aufzeichnung) const {
-    for (const TerminZeiger& termin : bestand_.aufzeichnungen()) {
-        if (aufzeichnungAus(*termin) == aufzeichnung) return termin;
-    }
-    return terminAus(aufzeichnung);
-}
-
-bool Aufzeichnungsablauf::wartet(const Vorhaben& vorhaben) {
-    const Aufzeichnungseintrag* eintrag = stand_.finde(vorhaben.aufzeichnung);
-    return eintrag && eintrag->phase == Phase::Geplant;
-}
-
-std::string Aufzeichnungsablauf::ueberschneidung(const cTermin& termin) const {
-    const Aufzeichnung a = aufzeichnungAus(termin);
-    if (laufende_ && istDieselbe(*laufende_, a)) return {};
-    if (laufende_ && Aufzeichnungstexte::ueberschneiden(*laufende_, a))
-        return Aufzeichnungstexte::ueberschneidung(*laufende_);
-    for (const Vorhaben& andere : plan_) {
-        if (istDieselbe(andere.aufzeichnung, a)) break;
-        if (Aufzeichnungstexte::ueberschneiden(andere.aufzeichnung, a))
-            return Aufzeichnungstexte::ueberschneidung(andere.aufzeichnung);
-    }
-    return {};
 }
 
 // ---- the tick ----
@@ -173,6 +85,7 @@ void Aufzeichnungsablauf::Timer() {
     abgleichen();
     schlafBemerken(wachBisMs_, 0);
     nachschreiben();
+    stoerungMelden();
     if (!laufende_) wiederaufnehmen();
     if (laufende_) laufendeBetreuen();
     if (form_->beendet()) return;
@@ -200,7 +113,15 @@ void Aufzeichnungsablauf::schlafBemerken(std::int64_t seitMs, int arbeitsminuten
 void Aufzeichnungsablauf::nachschreiben() {
     const Datum jetzt = ports_.uhr.jetzt();
     if (std::exchange(minute_, jetzt.sekunden() / 60) == jetzt.sekunden() / 60) return;
+    if (stand_.nachlesen()) plan_.erneuern();
     static_cast<void>(stand_.nachschreiben(jetzt));
+}
+
+// Once, until it has worked again.
+void Aufzeichnungsablauf::stoerungMelden() {
+    const std::string datei = stand_.gestoerteDatei();
+    if (std::exchange(gestoerteDatei_, datei) == datei || datei.empty()) return;
+    melde(Aufzeichnungstexte::dateiGestoert(ports_.dateien.pfadAnzeige(datei)));
 }
 
 // What ran when the program ended. In the middle of the start commands nobody knows how far they came: it
@@ -214,7 +135,7 @@ void Aufzeichnungsablauf::wiederaufnehmen() {
     laufende_ = begonnen->aufzeichnung;
     unterbrochen_ = istZuEnde(*laufende_, ports_.uhr.jetzt());
     fuerStromSorgen();
-    auffrischen();
+    form_->auffrischen();
     if (!imStart || unterbrochen_) return;
     const Fehler ursache(fehlernummer::kEigener, "BefehlAusführen", "Lomrick wurde beim Start beendet.");
     startGescheitert(Skriptfehler(ursache, 0), true);
@@ -236,9 +157,9 @@ void Aufzeichnungsablauf::wachstumPruefen() {
 void Aufzeichnungsablauf::verpassteAbschliessen() {
     const Datum jetzt = ports_.uhr.jetzt();
     bool abgeschlossen = false;
-    for (const Vorhaben& vorhaben : plan_) {
+    for (const Vorhaben& vorhaben : plan_.vorhaben()) {
         const Aufzeichnung& a = vorhaben.aufzeichnung;
-        if (jetzt < a.ende || !wartet(vorhaben)) continue;
+        if (jetzt < a.ende || !plan_.wartet(vorhaben)) continue;
         std::string ergebnis = stand_.finde(a)->ergebnis;
         if (ergebnis.empty())
             ergebnis = a.ende <= gestartet_ ? aufzeichnungsergebnis::kVerpasstAus
@@ -249,60 +170,41 @@ void Aufzeichnungsablauf::verpassteAbschliessen() {
     if (!abgeschlossen) return;
     if (!laufende_) formen_.status.schliessen();
     formen_.verlauf.auffrischen();
-    planErneuern();
-    auffrischen();
+    plan_.erneuern();
+    form_->auffrischen();
 }
 
 // ---- the notice ----
 
 void Aufzeichnungsablauf::hinweisen() {
     const Datum jetzt = ports_.uhr.jetzt();
-    const auto steht = [&](const Vorhaben& v) { return stehtBevor(v.aufzeichnung, jetzt) && wartet(v); };
+    const auto steht = [&](const Vorhaben& v) {
+        return stehtBevor(v.aufzeichnung, jetzt) && plan_.wartet(v);
+    };
     const auto istAngekuendigt = [&](const Vorhaben& v) {
         return steht(v) && istDieselbe(v.aufzeichnung, *angekuendigte_);
     };
-    if (angekuendigte_ && std::ranges::none_of(plan_, istAngekuendigt)) {
+    if (angekuendigte_ && std::ranges::none_of(plan_.vorhaben(), istAngekuendigt)) {
         angekuendigte_.reset();
         formen_.hinweis.schliessen();
     }
     if (!skript_.skript().fuehrtEtwasAus()) return;
-    for (Vorhaben& vorhaben : plan_) {
+    for (Vorhaben& vorhaben : plan_.vorhaben()) {
         if (vorhaben.angekuendigt || !steht(vorhaben)) continue;
         vorhaben.angekuendigt = true;
         // Of two that start together there is one notice, which names both.
         if (angekuendigte_ && angekuendigte_->beginn == vorhaben.aufzeichnung.beginn) continue;
         angekuendigte_ = vorhaben.aufzeichnung;
-        formen_.hinweis.zeigen(konflikte(vorhaben.aufzeichnung));
+        formen_.hinweis.zeigen(plan_.konflikte(vorhaben.aufzeichnung));
     }
-}
-
-// Only those of the same evening, so to speak: the others are named in the list.
-std::string Aufzeichnungsablauf::konflikte(const Aufzeichnung& aufzeichnung) const {
-    std::string text;
-    bool istSpaeter = true;
-    for (const Vorhaben& vorhaben : plan_) {
-        const Aufzeichnung& andere = vorhaben.aufzeichnung;
-        if (istDieselbe(andere, aufzeichnung)) {
-            istSpaeter = false;
-            continue;
-        }
-        const std::int64_t abstand = andere.beginn.sekunden() - aufzeichnung.beginn.sekunden();
-        if (!Aufzeichnungstexte::ueberschneiden(andere, aufzeichnung) || abstand > kKonfliktSekunden ||
-            abstand < -kKonfliktSekunden)
-            continue;
-        text +=
-            (text.empty() ? "" : "\r\n") + (istSpaeter ? Aufzeichnungstexte::konflikt(aufzeichnung, andere)
-                                                       : Aufzeichnungstexte::konflikt(andere, aufzeichnung));
-    }
-    return text;
 }
 
 // The start has come of one that is not the running one. Without this, nobody would know before its end.
 void Aufzeichnungsablauf::wartendeVertroesten() {
     const Datum jetzt = ports_.uhr.jetzt();
-    for (Vorhaben& vorhaben : plan_) {
+    for (Vorhaben& vorhaben : plan_.vorhaben()) {
         const Aufzeichnung& a = vorhaben.aufzeichnung;
-        if (vorhaben.vertroestet || jetzt < a.beginn || !wartet(vorhaben)) continue;
+        if (vorhaben.vertroestet || jetzt < a.beginn || !plan_.wartet(vorhaben)) continue;
         vorhaben.vertroestet = true;
         std::string& ergebnis = stand_.finde(a)->ergebnis;
         if (ergebnis.empty()) ergebnis = aufzeichnungsergebnis::verpasstWegen(laufende_->titel);
@@ -317,8 +219,8 @@ void Aufzeichnungsablauf::wartendeVertroesten() {
 void Aufzeichnungsablauf::faelligeStarten() {
     const Datum jetzt = ports_.uhr.jetzt();
     const bool ohneSkript = !skript_.skript().fuehrtEtwasAus();
-    for (const Vorhaben& vorhaben : plan_) {
-        if (!imFenster(vorhaben.aufzeichnung, jetzt) || !wartet(vorhaben)) continue;
+    for (const Vorhaben& vorhaben : plan_.vorhaben()) {
+        if (!imFenster(vorhaben.aufzeichnung, jetzt) || !plan_.wartet(vorhaben)) continue;
         Aufzeichnungseintrag& eintrag = *stand_.finde(vorhaben.aufzeichnung);
         if (!ohneSkript) {
             if (istVersuchFaellig(eintrag.naechsterVersuch, jetzt)) return starten(vorhaben.aufzeichnung);
@@ -340,7 +242,7 @@ void Aufzeichnungsablauf::starten(const Aufzeichnung& aufzeichnung) {
     eintrag.begonnen = ports_.uhr.jetzt();
     eintrag.verspaetung = DateDiff(Einheit::Minute, laufende_->beginn, eintrag.begonnen);
     speichern();
-    auffrischen();
+    form_->auffrischen();
     bestand_.skriptwerteLesen();
     wachstum_.vormerken(bestand_.konfiguration().aufzeichnungsordner);
     const std::int64_t beginnMs = ports_.uhr.laufzeitMs();
@@ -356,7 +258,7 @@ void Aufzeichnungsablauf::starten(const Aufzeichnung& aufzeichnung) {
     speichern();
     schlafBemerken(beginnMs, kStartMinuten);
     wachstum_.beginnen();
-    auffrischen();
+    form_->auffrischen();
 }
 
 // Nothing of it is left half-done before the next try. The user hears of it when the script is through: what
@@ -381,7 +283,7 @@ void Aufzeichnungsablauf::startGescheitert(const Skriptfehler& fehler, bool aufn
     const Datum naechster = wartend.naechsterVersuch;
     speichern();
     melde(Aufzeichnungstexte::startGescheitert(gescheiterte, fehler, naechster), &fehler);
-    auffrischen();
+    form_->auffrischen();
 }
 
 // ---- end ----
@@ -421,13 +323,13 @@ void Aufzeichnungsablauf::laufendeAbschliessen() {
     tv_.vergissSender();
     formen_.status.schliessen();
     formen_.verlauf.auffrischen();
-    planErneuern();
-    auffrischen();
+    plan_.erneuern();
+    form_->auffrischen();
     if (form_->beendet()) return;
     // The script kept the ticks off, and the machine may have slept: what was marked meanwhile may be past.
     bestand_.verpassteVormerken();
     bestand_.abfragen();
-    auffrischen();
+    form_->auffrischen();
 }
 
 // ---- the machine ----
@@ -436,9 +338,9 @@ void Aufzeichnungsablauf::fuerStromSorgen() {
     const Datum jetzt = ports_.uhr.jetzt();
     const bool mitSkript = skript_.skript().fuehrtEtwasAus();
     const auto stehtAn = [&](const Vorhaben& v) {
-        return (stehtBevor(v.aufzeichnung, jetzt) || imFenster(v.aufzeichnung, jetzt)) && wartet(v);
+        return (stehtBevor(v.aufzeichnung, jetzt) || imFenster(v.aufzeichnung, jetzt)) && plan_.wartet(v);
     };
-    const bool noetig = laufende_ || (mitSkript && std::ranges::any_of(plan_, stehtAn));
+    const bool noetig = laufende_ || (mitSkript && std::ranges::any_of(plan_.vorhaben(), stehtAn));
     wachdienst_.halteWach(noetig && bestand_.konfiguration().wachhalten, kWachgrund);
     wecken();
 }
@@ -449,8 +351,10 @@ void Aufzeichnungsablauf::wecken() {
     };
     const bool gewuenscht = bestand_.konfiguration().wecken && skript_.skript().fuehrtEtwasAus();
     const Datum jetzt = ports_.uhr.jetzt();
-    const auto naechste = std::ranges::find_if(plan_, [&](const Vorhaben& v) { return weckzeit(v) > jetzt; });
-    if (!gewuenscht || naechste == plan_.end()) {
+    const auto& vorhaben = plan_.vorhaben();
+    const auto naechste =
+        std::ranges::find_if(vorhaben, [&](const Vorhaben& v) { return weckzeit(v) > jetzt; });
+    if (!gewuenscht || naechste == vorhaben.end()) {
         static_cast<void>(wachdienst_.wecke(std::nullopt));
     } else if (!wachdienst_.wecke(weckzeit(*naechste))) {
         ergaenze(naechste->aufzeichnung, aufzeichnungsergebnis::kZusatzWeckenVerweigert);
@@ -491,15 +395,8 @@ Skriptlauf::Auftrag Aufzeichnungsablauf::auftrag(int minuten) const {
             .minuten = minuten};
 }
 
-void Aufzeichnungsablauf::melde(const std::string& text, const Fehler* fehler) const {
-    ports_.meldungen.zeigeFehlerOhneWarten(text, fehler ? fehler->nummer() : 0,
-                                           fehler ? fehler->quelle() : "",
-                                           fehler ? fehler->beschreibung() : "", kTitel);
-}
-
-void Aufzeichnungsablauf::auffrischen() {
-    form_->Ausfüllen();
-    form_->TaskBarIconAktualisieren();
+void Aufzeichnungsablauf::melde(const std::string& text, const Fehler* ursache) const {
+    zeigeFehler(ports_.meldungen, text, kTitel, ursache);
 }
 
 }  // namespace wendel

@@ -1,15 +1,15 @@
 #pragma once
 // The recordings, from the mark in the database to their line in the log: notice a minute before, start,
 // follow-up, end, one at a time in the order of their starts. Each step is noted in Aufzeichnungsstand before
-// it is done, so that after a crash nothing runs twice and nothing is left half-done. Which marks there are
-// is read by Datenbestand, the lists of the script are run by Skriptlauf.
+// it is done, so that after a crash nothing runs twice and nothing is left half-done. Which recordings there
+// are is known by Aufzeichnungsplan, the lists of the script are run by Skriptlauf.
 
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
+#include "core/Aufzeichnungsplan.h"
 #include "core/Dateiwachstum.h"
 #include "core/Skriptlauf.h"
 #include "core/TVSteuerung.h"
@@ -54,9 +54,11 @@ class Aufzeichnungsablauf {
     // Takes over what the database was last found to hold; does nothing when that is done.
     void abgleichen();
     // The recordings that are to come, wait or run: the third collection of entries.
-    const Terminliste& termine() const { return termine_; }
+    const Terminliste& termine() const { return plan_.termine(); }
     // "überschneidet sich mit ...": what keeps this one of them from starting in time; empty for nothing.
-    std::string ueberschneidung(const cTermin& termin) const;
+    std::string ueberschneidung(const cTermin& termin) const {
+        return plan_.ueberschneidung(termin, laufende_);
+    }
 
     // The script can do it, and neither a recording nor another run has the TV application.
     bool kannImTVZeigen() const { return !laufende_ && !skript_.aktiv() && tv_.kann(); }
@@ -67,22 +69,10 @@ class Aufzeichnungsablauf {
     void beenden();
 
   private:
-    // What one run of the program knows about a recording; the rest is in Aufzeichnungsstand.
-    struct Vorhaben {
-        Aufzeichnung aufzeichnung;
-        TerminZeiger termin;
-        bool angekuendigt = false, vertroestet = false;
-    };
-
-    // --- the plan ---
-    bool istZurueckgezogen(const Aufzeichnungseintrag& eintrag) const;
-    void planErneuern();
-    TerminZeiger termin(const Aufzeichnung& aufzeichnung) const;
-    bool wartet(const Vorhaben& vorhaben);
-
     // --- the steps of a tick ---
     void schlafBemerken(std::int64_t seitMs, int arbeitsminuten);
     void nachschreiben();
+    void stoerungMelden();
     void wiederaufnehmen();
     void laufendeBetreuen();
     void verpassteAbschliessen();
@@ -102,10 +92,8 @@ class Aufzeichnungsablauf {
     Aufzeichnungseintrag& laufenderEintrag() { return stand_.merke(*laufende_); }
     void ergaenze(const Aufzeichnung& aufzeichnung, std::string_view zusatz);
     void speichern() { static_cast<void>(stand_.speichern(ports_.uhr.jetzt())); }
-    std::string konflikte(const Aufzeichnung& aufzeichnung) const;
     Skriptlauf::Auftrag auftrag(int minuten) const;
-    void melde(const std::string& text, const Fehler* fehler = nullptr) const;
-    void auffrischen();
+    void melde(const std::string& text, const Fehler* ursache = nullptr) const;
 
     const Ports& ports_;
     Datenbestand& bestand_;
@@ -114,12 +102,10 @@ class Aufzeichnungsablauf {
     Skriptlauf skript_;
     TVSteuerung tv_;
     Aufzeichnungsstand stand_;
+    Aufzeichnungsplan plan_;
     Dateiwachstum wachstum_;
     Wachdienst wachdienst_;
 
-    std::uint64_t abgeglichen_ = 0;         // the reading of the database that the plan follows
-    std::vector<Vorhaben> plan_;            // those that are not over, in the order of their starts
-    Terminliste termine_;                   // their entries
     std::optional<Aufzeichnung> laufende_;  // "InAufnahme", or on the way there or back
     std::optional<Aufzeichnung> angekuendigte_;
     // Nobody watched when the running one should have ended.
@@ -128,6 +114,7 @@ class Aufzeichnungsablauf {
     Datum gestartet_;
     std::int64_t wachBisMs_ = 0;  // of the running time: the end of the last tick
     std::int64_t minute_ = 0;     // of the last time that what is owed was written
+    std::string gestoerteDatei_;  // the user has been told of
 };
 
 }  // namespace wendel

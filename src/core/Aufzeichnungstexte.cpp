@@ -21,10 +21,6 @@ std::string bezeichnung(const Aufzeichnung& a) {
            ")";
 }
 
-bool ueberschneiden(const Aufzeichnung& a, const Aufzeichnung& b) {
-    return a.beginn < b.ende && b.beginn < a.ende;
-}
-
 std::string ueberschneidung(const Aufzeichnung& frueher) {
     return "überschneidet sich mit " + bezeichnung(frueher);
 }
@@ -62,6 +58,12 @@ std::string keineDatei(const Aufzeichnung& aufzeichnung, const std::string& ordn
     return "Im Aufzeichnungsordner \"" + ordneranzeige + "\" ist " + std::to_string(sekunden) +
            " Sekunden nach dem Start der Aufzeichnung " + bezeichnung(aufzeichnung) +
            " keine Datei gewachsen. Bitte prüfen Sie, ob die TV-Anwendung wirklich aufzeichnet.";
+}
+
+std::string dateiGestoert(const std::string& dateianzeige) {
+    return "Die Datei \"" + dateianzeige +
+           "\" kann nicht gelesen oder nicht geschrieben werden. Lomrick kann nicht festhalten, was aus den "
+           "Aufzeichnungen wird.\r\nDer Versuch wird jede Minute wiederholt.";
 }
 
 std::string trotzdemBeenden(const Aufzeichnung& laufende) {

@@ -11,9 +11,6 @@ namespace wendel::Aufzeichnungstexte {
 // "\"Tatort\" (ARD, 20:10 bis 21:55)"
 std::string bezeichnung(const Aufzeichnung& aufzeichnung);
 
-// Their windows have a moment in common.
-bool ueberschneiden(const Aufzeichnung& a, const Aufzeichnung& b);
-
 // "überschneidet sich mit ..."
 std::string ueberschneidung(const Aufzeichnung& frueher);
 // A sentence: the later one can start only when the earlier one ends.
@@ -25,6 +22,8 @@ std::string startGescheitert(const Aufzeichnung& aufzeichnung, const Skriptfehle
                              Datum naechsterVersuch);
 std::string endeGescheitert(const Aufzeichnung& aufzeichnung, const Skriptfehler& fehler);
 std::string keineDatei(const Aufzeichnung& aufzeichnung, const std::string& ordneranzeige, int sekunden);
+// State or log of the recordings can't be read or written.
+std::string dateiGestoert(const std::string& dateianzeige);
 
 // The question before the program is ended.
 std::string trotzdemBeenden(const Aufzeichnung& laufende);

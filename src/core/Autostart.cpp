@@ -30,9 +30,11 @@ void Autostart::SetAutostartEntry(std::int16_t keep) {
     ModulRegistrierung::DeleteValue(registrierung_, kRechner, kRun, kName);
 }
 
-// False when it does not read back as written.
+// False when it does not read back as written. Of a folder whose name the registry's code page lacks, that is
+// what the registry can hold of it.
 bool Autostart::eintragSetzen() {
-    const Variant zeile = Variant::text("\"" + werte_.programmordner + "tessaly.exe\" wendel pcstart");
+    const std::string text = "\"" + werte_.programmordner + "tessaly.exe\" wendel pcstart";
+    const Variant zeile = Variant::text(ausWindows1252(nachWindows1252(text)));
     if (!ModulRegistrierung::KeyExists(registrierung_, kBenutzer, kRun))
         ModulRegistrierung::CreateKey(registrierung_, kBenutzer, kRun);
     ModulRegistrierung::WriteValue(registrierung_, kBenutzer, kRun, kName, zeile);

@@ -26,6 +26,10 @@ Dateiwachstum::Befund Dateiwachstum::pruefen() {
     if (!vorher_) return Befund::Unklar;
     const std::int64_t jetzt = ports_.uhr.laufzeitMs();
     if (jetzt < naechsterBlickMs_) return Befund::Unklar;
+    // The machine slept, or somebody else held the tick up: no time in which a file could have been seen to
+    // grow.
+    const std::int64_t versaeumtMs = jetzt - naechsterBlickMs_;
+    if (versaeumtMs > kBlickAbstandMs) fristMs_ += versaeumtMs;
     naechsterBlickMs_ = jetzt + kBlickAbstandMs;
     std::optional<Groessen> nachher = lies();
     // A new file counts once it has grown between two looks: an empty one says nothing.

@@ -26,9 +26,6 @@ namespace {
 constexpr std::string_view kStarttipp = "Lomrick";
 constexpr std::int16_t kDoppelklickHauptanwendung = 1;
 constexpr int kFensterNormal = 1;
-constexpr int kEingabe = 13;
-constexpr int kEntfernen = 46;
-constexpr int kRechteTaste = 2;
 
 enum class Steuerwort { Unbekannt, Terminupdate, ShowWendel, RefreshTVDaten, RefreshKonfig, CreateTermin };
 
@@ -88,19 +85,13 @@ void FormWendel::terminupdate() {
 // Called from inside a tick: what may bring a box waits for its end. One that was broken off may have changed
 // half of the broadcasts.
 void FormWendel::liveupdateBeendet(bool neueDaten) {
-    if (neueDaten) {
-        RefreshTVDaten();
-    } else {
-        Ausfüllen();
-        TaskBarIconAktualisieren();
-    }
+    neueDaten ? RefreshTVDaten() : auffrischen();
     vormerken("LiveUpdateBeendet", [this] { markierungenNachlesen(); });
 }
 
 void FormWendel::markierungenNachlesen() {
     bestand_.markierungenPflegenUndAbfragen();
-    Ausfüllen();
-    TaskBarIconAktualisieren();
+    auffrischen();
 }
 
 void FormWendel::createTermin() {
@@ -116,8 +107,7 @@ void FormWendel::RefreshTVDaten() {
     bestand_.menueVeraltet();
     bestand_.tippLesenOhneKaesten();
     menue_.verwerfen();
-    Ausfüllen();
-    TaskBarIconAktualisieren();
+    auffrischen();
 }
 
 // Its boxes let further lines in, whose boxes would pile up on top: they are one more pass afterwards.
@@ -217,8 +207,7 @@ void FormWendel::nachErinnern() {
     if (wuerdeAufhalten() || ruftHauptanwendung_)
         return vormerken("nachErinnern", [this] { nachErinnern(); });
     bestand_.abfragen();
-    Ausfüllen();
-    TaskBarIconAktualisieren();
+    auffrischen();
 }
 
 // ---- the window ----
@@ -305,20 +294,20 @@ void FormWendel::ListViewTermineListe_DblClick() {
 }
 
 bool FormWendel::ListViewTermineListe_KeyPress(int zeichencode) {
-    if (zeichencode != kEingabe) return false;
+    if (zeichencode != kTasteEingabe) return false;
     TerminBearbeiten();
     return true;
 }
 
 bool FormWendel::ListViewTermineListe_KeyDown(int tastencode) {
-    const bool loeschen = tastencode == kEntfernen;
+    const bool loeschen = tastencode == kTasteEntf;
     if (loeschen) TerminLoeschen();
     if (!beendet_) menuezustandZeigen();
     return loeschen;
 }
 
 void FormWendel::ListViewTermineListe_MouseUp(int knopf) {
-    if (knopf != kRechteTaste) return;
+    if (knopf != kKnopfRechts) return;
     menuezustandZeigen();
     view_.zeigePopupTerminliste(GetSelektierterIndex() >= 1);
 }
@@ -330,6 +319,11 @@ void FormWendel::mnuEditieren_Click() { TerminBearbeiten(); }
 void FormWendel::mnuLöschen_Click() { TerminLoeschen(); }
 
 void FormWendel::mnuAufzeichnungen_Click() { verlauf_.oeffnen(); }
+
+void FormWendel::auffrischen() {
+    Ausfüllen();
+    TaskBarIconAktualisieren();
+}
 
 void FormWendel::Ausfüllen() {
     if (beendet_) return;
@@ -520,8 +514,7 @@ void FormWendel::KurzZeitWeckerAktivieren(std::int16_t minuten) {
     termin->WeckText = kKurzzeittext;
     termin->Aktiv = true;
     bestand_.termine().anhaengen(termin);
-    Ausfüllen();
-    TaskBarIconAktualisieren();
+    auffrischen();
 }
 
 void FormWendel::terminHinzufuegen(const TerminZeiger& termin) {
@@ -533,8 +526,7 @@ void FormWendel::terminHinzufuegen(const TerminZeiger& termin) {
 void FormWendel::nachTerminaenderung() {
     Ausfüllen();
     static_cast<void>(bestand_.speichernWennNoetig());
-    Ausfüllen();
-    TaskBarIconAktualisieren();
+    auffrischen();
     speicherfehlerZuMelden_ = !bestand_.termine().speicherfehler().empty() && !speicherfehlerGemeldet_;
     if (speicherfehlerZuMelden_ && !wuerdeAufhalten()) speicherfehlerMelden();
 }

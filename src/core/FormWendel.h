@@ -31,9 +31,9 @@ class FormTermin;
 class ModulInterneKommunikation;
 class Traymenue;
 
-// Mouse messages that the icon sends in the second parameter of kIconNachricht.
-inline constexpr std::uint32_t kMausLinksDoppelklick = 515;
-inline constexpr std::uint32_t kMausRechtsLos = 517;
+// What the window calls keys and mouse buttons.
+inline constexpr int kTasteEingabe = 13, kTasteEntf = 46;
+inline constexpr int kKnopfLinks = 1, kKnopfRechts = 2;
 
 // The forms that the main form opens or asks.
 struct Unterformen {
@@ -73,10 +73,10 @@ class FormWendel : public Liveupdateanzeige {
     void zeileGewaehlt(std::optional<std::size_t> zeile);  // from 0
     void ListViewTermineListe_Click();
     void ListViewTermineListe_DblClick();
-    // Character 13 (Enter) edits, key 46 (Delete) deletes. True when the key was taken.
+    // The character Enter edits, the key Delete deletes. True when the key was taken.
     bool ListViewTermineListe_KeyPress(int zeichencode);
     bool ListViewTermineListe_KeyDown(int tastencode);
-    // Button 2, the right one, asks for the popup menu; so does the keyboard's menu key.
+    // The right button asks for the popup menu; so does the keyboard's menu key.
     void ListViewTermineListe_MouseUp(int knopf);
     void mnuNeuTermin_Click();
     void mnuEditieren_Click();
@@ -121,6 +121,8 @@ class FormWendel : public Liveupdateanzeige {
     void Ausfüllen();
     // Builds the tooltip of the nearest entry and hands it to the icon.
     void TaskBarIconAktualisieren();
+    // Both.
+    void auffrischen();
     // Gives the icon picture and tooltip; a record equal to the last one is not sent again.
     void TaskbarUpdateIcon(std::string_view tipp);
     void iconHinzufuegen();  // with the tip "Lomrick"

@@ -17,7 +17,7 @@ class FormWendelView {
   public:
     virtual ~FormWendelView() = default;
 
-    // The window's handle, valid also while it is hidden.
+    // The window's handle, valid also while it is hidden; 0 until it is shown for the first time.
     virtual Fensterhandle hwnd() = 0;
 
     virtual void zeigen() = 0;      // visible, not modal

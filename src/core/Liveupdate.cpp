@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "core/Datenbestand.h"
+#include "core/Fehlermeldung.h"
 #include "core/Liveupdatetext.h"
 #include "platform/Datumstext.h"
 #include "platform/Fehler.h"
@@ -26,6 +27,7 @@ constexpr int kStummTicks = 30 * 60;
 constexpr std::int64_t kMinuteMs = 60'000;
 constexpr std::int64_t kVersuchsabstandMs = 60 * kMinuteMs;
 constexpr std::int64_t kNachholenMs = 5 * kMinuteMs;
+constexpr std::int64_t kStatustextMs = 24 * 60 * kMinuteMs;
 constexpr std::int64_t kTageSekunden = 86400;
 constexpr std::int64_t kWoche = 7;
 constexpr std::size_t kMaske = 7;
@@ -83,12 +85,13 @@ void Liveupdate::starten(Datum jetzt) {
     letzterTick_ = jetzt.aufMinute().plusSekunden(-1);
     const Konfiguration& konfiguration = bestand_.konfiguration();
     const bool versaeumt =
-        letzterPlanmoment(konfiguration.zeitplan, konfiguration.letztesUpdate, letzterTick_).has_value();
+        letzterPlanmoment(konfiguration.zeitplan, letztesUpdate(jetzt), letzterTick_).has_value();
     if (versaeumt && konfiguration.updateNachholen) nachholenAbMs_ = ports_.uhr.laufzeitMs() + kNachholenMs;
 }
 
 void Liveupdate::Timer(Datum jetzt) {
     const Datum letzterTick = std::exchange(letzterTick_, jetzt);
+    if (!statustext_.empty() && ports_.uhr.laufzeitMs() >= statustextBisMs_) zeige({});
     if (schritt_ == Schritt::Beendet || schritt_ == Schritt::Abgebrochen) abschliessen(jetzt);
     if (schritt_ == Schritt::Laeuft) ueberwachen();
     const Konfiguration& konfiguration = bestand_.konfiguration();
@@ -119,19 +122,19 @@ void Liveupdate::ausloesen(std::int16_t modus, Datum letzterTick, Datum jetzt) {
 void Liveupdate::beiVerbindung(Datum jetzt, bool jedesMal) {
     if (verbindungGesehen_ || schritt_ != Schritt::Ruhe) return;
     verbindungGesehen_ = true;
-    const bool heuteSchon =
-        gleicherTag(bestand_.konfiguration().letztesUpdate, jetzt) || gleicherTag(letzterStart_, jetzt);
+    const bool heuteSchon = gleicherTag(letztesUpdate(jetzt), jetzt) || gleicherTag(letzterStart_, jetzt);
     if (!jedesMal && heuteSchon) return;
     countdown_ = kCountdownTicks;
     schritt_ = Schritt::Countdown;
 }
 
-// Once for each moment of the schedule, also for one that a late tick or a sleep has passed over.
+// Once for each moment of the schedule, also for one that a late tick or a sleep has passed over; a start of
+// the program in the same minute finds that it has succeeded.
 void Liveupdate::nachZeitplan(Datum letzterTick, Datum jetzt) {
     const bool nachholen = nachholenAbMs_ && *nachholenAbMs_ <= ports_.uhr.laufzeitMs();
     if (nachholen) nachholenAbMs_.reset();
     const auto moment = letzterPlanmoment(bestand_.konfiguration().zeitplan, letzterTick, jetzt);
-    const bool neu = moment && moment != gestarteterPlanmoment_;
+    const bool neu = moment && moment != gestarteterPlanmoment_ && *moment > letztesUpdate(jetzt);
     if (schritt_ != Schritt::Ruhe || (!neu && !nachholen)) return;
     if (neu) gestarteterPlanmoment_ = moment;
     nachholenAbMs_.reset();
@@ -142,7 +145,7 @@ void Liveupdate::nachStunden(Datum jetzt) {
     const Konfiguration& konfiguration = bestand_.konfiguration();
     const bool faellig =
         konfiguration.liveUpdateStunden > 0 &&
-        DateDiff(Einheit::Stunde, konfiguration.letztesUpdate, jetzt) >= konfiguration.liveUpdateStunden;
+        DateDiff(Einheit::Stunde, letztesUpdate(jetzt), jetzt) >= konfiguration.liveUpdateStunden;
     const bool geradeVersucht =
         letzterVersuchMs_ && ports_.uhr.laufzeitMs() - *letzterVersuchMs_ < kVersuchsabstandMs;
     if (faellig && !geradeVersucht && schritt_ == Schritt::Ruhe) programmStarten(jetzt);
@@ -166,9 +169,9 @@ void Liveupdate::programmStarten(Datum jetzt) {
     } catch (const Fehler& fehler) {
         schritt_ = Schritt::Ruhe;
         zeige("Das Live-Update konnte nicht gestartet werden.");
-        ports_.meldungen.zeigeFehlerOhneWarten(
-            "Das Live-Update konnte nicht gestartet werden:\r\n\"" + ports_.dateien.pfadAnzeige(datei) + "\"",
-            fehler.nummer(), fehler.quelle(), fehler.beschreibung(), "Live-Update");
+        const std::string anzeige = ports_.dateien.pfadAnzeige(datei);
+        zeigeFehler(ports_.meldungen, "Das Live-Update konnte nicht gestartet werden:\r\n\"" + anzeige + "\"",
+                    "Live-Update", &fehler);
     }
 }
 
@@ -231,8 +234,15 @@ void Liveupdate::ReceivedDrumletStatusCode_Change(const std::string& text) {
     anzeige_->liveupdateIconAuffrischen();
 }
 
+// A moment that is still to come was written while the clock was wrong: it would keep the next update off.
+Datum Liveupdate::letztesUpdate(Datum jetzt) const {
+    const Datum letztes = bestand_.konfiguration().letztesUpdate;
+    return letztes <= jetzt ? letztes : Datum();
+}
+
 void Liveupdate::zeige(std::string text) {
     statustext_ = std::move(text);
+    statustextBisMs_ = ports_.uhr.laufzeitMs() + kStatustextMs;
     anzeige_->liveupdateStatusGeaendert();
 }
 

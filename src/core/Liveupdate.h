@@ -53,7 +53,7 @@ class Liveupdate {
 
     Schritt schritt() const { return schritt_; }
     // For the status bar: while the update program is linked what it says of itself, else what has become of
-    // the update. Empty before the first one.
+    // the update. Empty before the first one, and a day after the last.
     const std::string& statustext() const { return verbunden_ ? statuslabel_ : statustext_; }
 
   private:
@@ -67,6 +67,7 @@ class Liveupdate {
     void abbrechen(const std::string& grund);
     void abschliessen(Datum jetzt);
     std::string abschlusstext(bool gelungen) const;
+    Datum letztesUpdate(Datum jetzt) const;
     void zeige(std::string text);
 
     const Ports& ports_;
@@ -81,6 +82,7 @@ class Liveupdate {
     bool verbindungGesehen_ = false;
     bool verbunden_ = false;  // with the update program
     std::string statustext_;
+    std::int64_t statustextBisMs_ = 0;
     std::string statuslabel_;
     std::string abbruchgrund_;
     Datum letzterTick_;

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "core/Datenbestand.h"
+#include "core/Fehlermeldung.h"
 #include "core/FormWendel.h"
 #include "core/Laufend.h"
 #include "platform/Text.h"
@@ -27,10 +28,10 @@ void Skriptlauf::laden() {
     try {
         modul_.setzeSkript(SkriptEinladen(ports_.dateien, datei));
     } catch (const Fehler& fehler) {
-        ports_.meldungen.zeigeFehlerOhneWarten(
-            "Das Aufzeichnungsskript \"" + ports_.dateien.pfadAnzeige(datei) +
-                "\" kann nicht verwendet werden.",
-            fehler.nummer(), fehler.quelle(), fehler.beschreibung(), kTitel);
+        const std::string anzeige = ports_.dateien.pfadAnzeige(datei);
+        zeigeFehler(ports_.meldungen,
+                    "Das Aufzeichnungsskript \"" + anzeige + "\" kann nicht verwendet werden.", kTitel,
+                    &fehler);
     }
 }
 

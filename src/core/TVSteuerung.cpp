@@ -1,5 +1,6 @@
 #include "core/TVSteuerung.h"
 
+#include "core/Fehlermeldung.h"
 #include "core/Skriptlauf.h"
 #include "platform/ModulProzessliste.h"
 #include "tvdb/ModulGrundbefehle.h"
@@ -59,10 +60,8 @@ void TVSteuerung::schalteUm(const std::string& senderkennung, const std::string&
               &*fehler);
 }
 
-void TVSteuerung::melde(const std::string& text, const Fehler* fehler) const {
-    ports_.meldungen.zeigeFehlerOhneWarten(text, fehler ? fehler->nummer() : 0,
-                                           fehler ? fehler->quelle() : "",
-                                           fehler ? fehler->beschreibung() : "", kTitel);
+void TVSteuerung::melde(const std::string& text, const Fehler* ursache) const {
+    zeigeFehler(ports_.meldungen, text, kTitel, ursache);
 }
 
 }  // namespace wendel

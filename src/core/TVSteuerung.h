@@ -28,7 +28,7 @@ class TVSteuerung {
     bool starte(const std::string& programmnummer);
     bool laeuftAnwendung() const;
     void schalteUm(const std::string& senderkennung, const std::string& programmnummer);
-    void melde(const std::string& text, const Fehler* fehler = nullptr) const;
+    void melde(const std::string& text, const Fehler* ursache = nullptr) const;
 
     const Ports& ports_;
     Skriptlauf& skript_;

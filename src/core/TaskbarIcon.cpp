@@ -11,7 +11,6 @@ namespace {
 
 // Which fields of the record are valid: callback message 1, picture 2, tooltip 4.
 constexpr std::uint32_t kAlleFelder = 7;
-constexpr std::size_t kTippBeginn = 24;
 
 void setze32(IconDatensatz& satz, std::size_t stelle, std::uint32_t wert) {
     for (std::size_t i = 0; i < 4; ++i)
@@ -27,7 +26,7 @@ IconDatensatz iconDatensatz(std::uint32_t fenster, std::uint32_t bild, std::stri
     for (std::size_t i = 0; i < std::size(kopf); ++i)
         setze32(satz, 4 * i, kopf[i]);
     const std::string bytes = nachWindows1252(Left(tipp, kIconTippLaenge));
-    std::copy(bytes.begin(), bytes.end(), satz.begin() + kTippBeginn);
+    std::copy(bytes.begin(), bytes.end(), satz.begin() + kIconStelleTipp);
     return satz;
 }
 

@@ -93,7 +93,7 @@ void WeckTimer::schritte(Datum jetzt) {
         hinweisenUndNachlesen(faellige, jetzt);
     } else {
         bestand_.abfragen();
-        auffrischen();
+        form_.auffrischen();
     }
     if (!form_.beendet()) nachzueglerHinweisen();
 }
@@ -106,7 +106,7 @@ void WeckTimer::minutenlauf() {
     bestand_.termine().nachholen();
     // Short-time alarms and appointments whose last storing failed; a failure is tried again in a minute.
     static_cast<void>(bestand_.speichernWennNoetig());
-    auffrischen();
+    form_.auffrischen();
 }
 
 void WeckTimer::hinweisenUndNachlesen(const Terminliste& faellige, Datum jetzt) {
@@ -121,7 +121,7 @@ void WeckTimer::hinweisenUndNachlesen(const Terminliste& faellige, Datum jetzt) 
     // The machine slept meanwhile: for this query what others have marked since may be past already.
     if (istLuecke(jetzt, ports_.uhr.jetzt())) bestand_.verpassteVormerken();
     bestand_.markierungenPflegenUndAbfragen();
-    auffrischen();
+    form_.auffrischen();
 }
 
 // In slices, so that the windows stay alive. False when the program was told to end meanwhile: the journal
@@ -148,7 +148,7 @@ void WeckTimer::nachzueglerHinweisen() {
     Terminliste eigene;
     sammleFaellige(bestand_.eigene(), jetzt, eigene);
     if (eigene.empty()) bestand_.abfragen();
-    auffrischen();
+    form_.auffrischen();
 }
 
 // Every five minutes while there is none, once a day therefore: the menu is to have it at once. After what
@@ -162,11 +162,6 @@ void WeckTimer::tagestippNachholen(Datum jetzt) {
     const Laufend waehrenddessen = form_.beschaeftigen();
     tippZeit_ = jetzt;
     bestand_.tippLesenOhneKaesten();
-}
-
-void WeckTimer::auffrischen() {
-    form_.Ausfüllen();
-    form_.TaskBarIconAktualisieren();
 }
 
 }  // namespace wendel

@@ -25,8 +25,8 @@ class WeckTimer {
     void starten();
 
     // Does nothing while a long action of an earlier tick is under way; but a box of the database that nobody
-    // answers costs no recording. Errors of a step end the tick, never
-    // the timer: what is still due is due at the next one.
+    // answers costs no recording. Errors end their step, never the timer: what is still due is due at the
+    // next tick.
     void Timer();
 
   private:
@@ -37,7 +37,6 @@ class WeckTimer {
     void nachzueglerHinweisen();
     bool warten(int dauerMs);
     void tagestippNachholen(Datum jetzt);
-    void auffrischen();
 
     const Ports& ports_;
     Datenbestand& bestand_;

@@ -39,6 +39,8 @@ class Aufzeichnungsprotokoll {
     // programmordner ends in "\".
     Aufzeichnungsprotokoll(Dateisystem& dateien, const std::string& programmordner);
 
+    const std::string& datei() const { return datei_; }
+
     // Adds a line at the end, on the disk when the call returns. A recording that has a line already (same
     // minute, channel and title) gets no other one: to be called again after a crash that leaves open whether
     // it was written. False when the line could not be written.

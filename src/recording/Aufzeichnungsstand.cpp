@@ -80,11 +80,28 @@ Aufzeichnungsstand::Aufzeichnungsstand(Dateisystem& dateien, Aufzeichnungsprotok
 
 void Aufzeichnungsstand::lesen() {
     eintraege_.clear();
-    geschrieben_ = dateien_.lesen(datei_).value_or("");
+    unlesbar_ = true;
+    nachlesen();
+}
+
+// An entry of the file that got further than what is held knows what the last run of the program did.
+bool Aufzeichnungsstand::nachlesen() {
+    if (!unlesbar_) return false;
+    const std::optional<std::string> inhalt = dateien_.lesen(datei_);
+    unlesbar_ = !inhalt && dateien_.existiert(datei_);
+    if (unlesbar_) return false;
+    geschrieben_ = inhalt.value_or("");
     for (const std::string& zeile : Split(geschrieben_, "\n")) {
-        std::optional<Aufzeichnungseintrag> eintrag = eintragAusZeile(zeile);
-        if (eintrag && !finde(eintrag->aufzeichnung)) eintraege_.push_back(std::move(*eintrag));
+        const std::optional<Aufzeichnungseintrag> eintrag = eintragAusZeile(zeile);
+        if (!eintrag) continue;
+        Aufzeichnungseintrag* gehalten = finde(eintrag->aufzeichnung);
+        if (!gehalten) {
+            eintraege_.push_back(*eintrag);
+        } else if (gehalten->phase < eintrag->phase) {
+            *gehalten = *eintrag;
+        }
     }
+    return true;
 }
 
 Aufzeichnungseintrag* Aufzeichnungsstand::finde(const Aufzeichnung& aufzeichnung) {
@@ -116,10 +133,10 @@ bool Aufzeichnungsstand::speichern(Datum jetzt) {
     std::string inhalt;
     for (const Aufzeichnungseintrag& eintrag : eintraege_)
         inhalt += zeileAusEintrag(eintrag);
-    if (inhalt == geschrieben_) return true;
-    if (!dateien_.ersetzen(datei_, inhalt)) return false;
-    geschrieben_ = std::move(inhalt);
-    return true;
+    if (unlesbar_) return false;
+    ungespeichert_ = inhalt != geschrieben_ && !dateien_.ersetzen(datei_, inhalt);
+    if (!ungespeichert_) geschrieben_ = std::move(inhalt);
+    return !ungespeichert_;
 }
 
 void Aufzeichnungsstand::abschliessen(const Aufzeichnung& aufzeichnung, std::string ergebnis, Datum jetzt) {
@@ -134,10 +151,18 @@ void Aufzeichnungsstand::abschliessen(const Aufzeichnung& aufzeichnung, std::str
 
 bool Aufzeichnungsstand::nachschreiben(Datum jetzt) {
     protokolliereBeendete();
-    const bool gespeichert = speichern(jetzt);
-    return gespeichert && std::none_of(eintraege_.begin(), eintraege_.end(), [](const auto& eintrag) {
-               return eintrag.phase == Aufzeichnungsphase::Beendet;
-           });
+    return speichern(jetzt) && !stehtProtokollAus();
+}
+
+bool Aufzeichnungsstand::stehtProtokollAus() const {
+    return std::any_of(eintraege_.begin(), eintraege_.end(), [](const Aufzeichnungseintrag& eintrag) {
+        return eintrag.phase == Aufzeichnungsphase::Beendet;
+    });
+}
+
+std::string Aufzeichnungsstand::gestoerteDatei() const {
+    if (unlesbar_ || ungespeichert_) return datei_;
+    return stehtProtokollAus() ? protokoll_.datei() : "";
 }
 
 void Aufzeichnungsstand::protokolliereBeendete() {

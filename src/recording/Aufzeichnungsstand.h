@@ -58,8 +58,12 @@ class Aufzeichnungsstand {
     Aufzeichnungsstand(Dateisystem& dateien, Aufzeichnungsprotokoll& protokoll,
                        const std::string& programmordner);
 
-    // Reads the file in place of what is held; lines that can't be read are passed over.
+    // Reads the file in place of what is held; lines that can't be read are passed over. Nothing is written
+    // over a file that is there and could not be read.
     void lesen();
+    // Reads the file after all where lesen() could not, beside what has come to be held since. True when
+    // there may be new entries; makes no call of a port when nothing is owed.
+    bool nachlesen();
 
     // In the order in which they became known.
     const std::vector<Aufzeichnungseintrag>& eintraege() const { return eintraege_; }
@@ -85,14 +89,21 @@ class Aufzeichnungsstand {
     // left; makes no call of a port then.
     bool nachschreiben(Datum jetzt);
 
+    // Path of the file, state or log, that could not be read or written when it was last tried; empty when
+    // all is on the disk.
+    std::string gestoerteDatei() const;
+
   private:
     void protokolliereBeendete();
+    bool stehtProtokollAus() const;
 
     Dateisystem& dateien_;
     Aufzeichnungsprotokoll& protokoll_;
     std::string datei_;
     std::vector<Aufzeichnungseintrag> eintraege_;
     std::string geschrieben_;  // what the file holds
+    bool unlesbar_ = false;
+    bool ungespeichert_ = false;
 };
 
 }  // namespace wendel

@@ -41,20 +41,6 @@ void pruefeHindernis(Fernsteuerung& fernsteuerung, const Skriptbefehl& befehl, c
     scheitere("Der Befehl \"" + zeile + "\" kann hier nicht ausgeführt werden. " + hindernis);
 }
 
-std::string platzhalterErsetzt(const Ports& ports, const Skriptwerte& werte,
-                               const std::string& titelDerAnwendung, std::string zeile) {
-    using ModulJokerErsetzen::JokerErsetzen;
-    const Datum jetzt = ports.uhr.jetzt();
-    zeile = JokerErsetzen(zeile, "[TVSoftwarePfad]", werte.tvSoftwarePfad);
-    zeile = JokerErsetzen(zeile, "[TVAufzeichnungenPfad]", werte.tvAufzeichnungenPfad);
-    zeile = JokerErsetzen(zeile, "[Kanal]", werte.kanal);
-    zeile = JokerErsetzen(zeile, "[TVAnwendungtitel]", titelDerAnwendung);
-    zeile = JokerErsetzen(zeile, "[Datum]", Format(jetzt, "yyyymmdd"));
-    zeile = JokerErsetzen(zeile, "[Zeit]", Format(jetzt, "hhnnss"));
-    zeile = JokerErsetzen(zeile, "[Titel]", ModulJokerErsetzen::sichererTitel(werte.titel));
-    return ModulJokerErsetzen::OrdnerJokerErsetzen(ports, werte.programmordner, zeile);
-}
-
 // How many of the events are sent at once: a long string goes in pieces that end where no key is down.
 std::size_t stuecklaenge(std::span<const Tastenereignis> ereignisse) {
     int unten = 0;
@@ -145,6 +131,20 @@ class Ausfuehrung {
 };
 
 }  // namespace
+
+std::string platzhalterErsetzt(const Ports& ports, const Skriptwerte& werte,
+                               const std::string& titelDerAnwendung, std::string zeile) {
+    using ModulJokerErsetzen::JokerErsetzen;
+    const Datum jetzt = ports.uhr.jetzt();
+    zeile = JokerErsetzen(zeile, "[TVSoftwarePfad]", werte.tvSoftwarePfad);
+    zeile = JokerErsetzen(zeile, "[TVAufzeichnungenPfad]", werte.tvAufzeichnungenPfad);
+    zeile = JokerErsetzen(zeile, "[Kanal]", werte.kanal);
+    zeile = JokerErsetzen(zeile, "[TVAnwendungtitel]", titelDerAnwendung);
+    zeile = JokerErsetzen(zeile, "[Datum]", Format(jetzt, "yyyymmdd"));
+    zeile = JokerErsetzen(zeile, "[Zeit]", Format(jetzt, "hhnnss"));
+    zeile = JokerErsetzen(zeile, "[Titel]", ModulJokerErsetzen::sichererTitel(werte.titel));
+    return ModulJokerErsetzen::OrdnerJokerErsetzen(ports, werte.programmordner, zeile);
+}
 
 ModulAufzeichnungskript::ModulAufzeichnungskript(const Ports& ports, Skriptanzeige& anzeige)
     : ports_(ports), anzeige_(anzeige) {}

@@ -31,6 +31,11 @@ struct Skriptwerte {
     std::string programmordner;  // current again after the search for a special folder
 };
 
+// The line with its placeholders replaced. The search for a special folder leaves the programme folder
+// current.
+std::string platzhalterErsetzt(const Ports& ports, const Skriptwerte& werte,
+                               const std::string& titelDerAnwendung, std::string zeile);
+
 // A line of a list failed.
 class Skriptfehler : public Fehler {
   public:

@@ -37,9 +37,7 @@ std::string ohneVorsatz(std::string_view text) {
 }  // namespace
 
 FormHinweis::FormHinweis(Uhr& uhr, FormHinweisView& view, FormHinweisEmpfaenger& empfaenger)
-    : uhr_(uhr), view_(view), empfaenger_(empfaenger) {
-    view_.setzeFunktionen(funktionszeilen());
-}
+    : uhr_(uhr), view_(view), empfaenger_(empfaenger) {}
 
 void FormHinweis::hinweisen(const std::string& titel, const std::string& text,
                             const std::vector<Hinweisschluessel>& schluessel) {
@@ -69,6 +67,7 @@ void FormHinweis::oeffnen(const std::string& text) {
     offen_ = true;
     labelHinweisText_ = text;
     comboFunktionListIndex_ = 0;
+    view_.setzeFunktionen(funktionszeilen());
     view_.setzeAuswahl(comboFunktionListIndex_);
 }
 

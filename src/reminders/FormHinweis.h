@@ -16,7 +16,7 @@
 namespace wendel {
 
 // What the window does for the form. Calls come on the user-interface thread, in any order, also while
-// hidden.
+// hidden; but setzeFunktionen before all others.
 class FormHinweisView {
   public:
     virtual ~FormHinweisView() = default;
@@ -75,7 +75,7 @@ class FormHinweis {
     static constexpr std::string_view kFenstertitel = "Lomrick - Hinweis";
     static constexpr int kSperrzeitMs = 200;
 
-    // All outlive the form. Fills the view's list of follow-up actions.
+    // All outlive the form.
     FormHinweis(Uhr& uhr, FormHinweisView& view, FormHinweisEmpfaenger& empfaenger);
 
     // Brings the notice up. While one is open the text is appended to it and the chosen row is kept; OK is

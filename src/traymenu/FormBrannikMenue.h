@@ -42,8 +42,8 @@ class FormBrannikMenue {
     static constexpr int kEinblendungsticks = 3;
     static constexpr int kMausLinks = 1, kMausRechts = 2;
 
-    // kopf is the entry that owns this window as its sub-menu, null for the top
-    // window. The window is made now, hidden.
+    // kopf is the entry that owns this window as its sub-menu, null for the top window. The window is made
+    // now, hidden.
     explicit FormBrannikMenue(const Menuekontext& kontext, cMenuePunkt* kopf = nullptr);
     ~FormBrannikMenue();
     FormBrannikMenue(const FormBrannikMenue&) = delete;

@@ -339,6 +339,31 @@ TEST_F(Aufzeichnungen, FileThatDoesNotGrowIsToldWithinTheMinute) {
     }
 }
 
+TEST_F(Aufzeichnungen, StateAndLogThatCannotBeKeptAreToldOnceAndKeptLater) {
+    starte();
+    bis(um(20, 30));
+    for (const std::string datei : {"aufzeichnung.txt", "aufzeichnungen.log"}) {
+        SCOPED_TRACE(datei);
+        const std::string pfad = "\\suite\\" + datei;
+        const bool stand = datei.ends_with("txt");
+        ports.meldungen.fehler.clear();
+        if (stand) ports.dateien.scheitert = [=](const auto&, const auto& p) { return p == pfad; };
+        if (!stand) ports.dateien.nurLesen = {pfad};
+        if (stand) neustartUm(um(20, 40));  // while one runs, of which only that file knows
+        bis(stand ? um(20, 50) : um(22, 0));
+        EXPECT_EQ(ports.meldungen.fehler,
+                  Texte{"Die Datei \"" + pfad +
+                        "\" kann nicht gelesen oder nicht geschrieben werden. Lomrick kann nicht "
+                        "festhalten, was aus den Aufzeichnungen wird.\r\nDer Versuch wird jede Minute "
+                        "wiederholt."});
+        ports.dateien.scheitert = nullptr;
+        ports.dateien.nurLesen.clear();
+        bis(jetzt().plusSekunden(60));
+    }
+    EXPECT_EQ(protokoll(), "aufgezeichnet, 30 min verspätet begonnen\n") << "begun anew";
+    EXPECT_EQ(befehle(), folge({kAn, kAn, kZu}));
+}
+
 TEST_F(Aufzeichnungen, ExitInAWaitRunsNothingMoreAndTheNextStartGoesOn) {
     skript(kSkript + "befehlaufnahmestarten=warten,60\nbefehlaufnahmestarten=anwendungstarten,danach\n");
     starte();

@@ -48,6 +48,8 @@ TEST_F(Autostart, MissingKeyIsMadeAndAnEntryThatDoesNotReadBackIsTold) {
     EXPECT_TRUE(registrierung.schluessel.empty());
     autostart.SetAutostartEntry(kVbTrue);
     EXPECT_EQ(eintrag(), "written");
+    werte.programmordner = "c:\\Видео\\";  // not in the registry's code page
+    autostart.SetAutostartEntry(kVbTrue);
     EXPECT_TRUE(meldungen.gezeigt.empty());
 
     registrierung.vergesslich = true;

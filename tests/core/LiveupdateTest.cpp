@@ -80,11 +80,13 @@ TEST_F(Liveupdate, ScheduleStartsOncePerMoment) {
     const struct {
         const char *fall, *zeitplan, *ticks;  // the first tick is the start of the program
         std::size_t starts;
+        const char* letztes = "";
     } faelle[] = {
         {"each tick of the minute", "1111111 20:01", "20:00:30 20:00:59 20:01 20:01:01 20:01:59 20:02", 1},
         {"short form, blanks", "0100000   8:30 ", "08:29 08:30", 1},
         {"seconds are cut", "1111111 20:01:45", "20:00 20:01", 1},
         {"in the minute that runs", "1111111 20:00", "20:00:30 20:00:31", 1},
+        {"done in the minute that runs", "1111111 20:00", "20:00:30 20:00:31", 0, "24.12.2012 20:00:20"},
         {"in the minute before", "1111111 19:59", "20:00 20:00:01", 0},
         {"another weekday", "1011111 20:01", "20:00 20:01 23:59", 0},
         {"next midnight", "0010000 0:00", "20:00 23:59:59 25.12.2012_00:00", 1},
@@ -106,6 +108,8 @@ TEST_F(Liveupdate, ScheduleStartsOncePerMoment) {
         SCOPED_TRACE(fall.fall);
         Aufbau test;
         test.setze(einstellung::kZeitplan, Variant::text(fall.zeitplan));
+        if (*fall.letztes)
+            test.setze(einstellung::kLetztesUpdate, Variant::datum(datumAusText(fall.letztes)));
         bool gestartet = false;
         for (std::string tick : Split(fall.ticks, " ")) {
             std::ranges::replace(tick, '_', ' ');
@@ -121,7 +125,8 @@ TEST_F(Liveupdate, ScheduleStartsOncePerMoment) {
 }
 
 TEST_F(Liveupdate, ConnectionsHoursAndMissedMomentsStartItAsOftenAsTheModeSays) {
-    const Datum gestern = moment(2012, 12, 23, 21, 30), heute = um(7, 0);
+    const Datum gestern = moment(2012, 12, 23, 21, 30), heute = um(7, 0),
+                morgen = um(23, 0);  // of a clock that was wrong
     const struct {
         const char* fall;
         std::int16_t modus;
@@ -138,8 +143,10 @@ TEST_F(Liveupdate, ConnectionsHoursAndMissedMomentsStartItAsOftenAsTheModeSays) 
         {"lost while counting", 1, false, gestern, {{true, 60}, {false, 1}, {true, 99}}, {122}},
         {"missed in the morning", 2, true, gestern, {{true, 700}}, {300}},
         {"nothing missed", 2, true, heute, {{true, 700}}, {}},
+        {"nothing known of the last one", 2, true, morgen, {{true, 700}}, {300}},
         {"not wanted", 2, false, Datum(), {{true, 700}}, {}},
         {"after so many hours", 3, true, gestern, {{false, 3700}}, {3600}},
+        {"nothing known of it", 3, true, morgen, {{false, 9}}, {1}},
         {"failures an hour apart", 3, false, Datum(), {{false, 7300}}, {1, 3601, 7201}},
         {"no such mode", 4, true, Datum(), {{true, 400}}, {}},
     };
@@ -231,6 +238,10 @@ TEST_F(Laufendes, ComesBackToRestHoweverItEndsAndSaysWhy) {
         EXPECT_THAT(test.enden, ElementsAre(text == gut));
         EXPECT_EQ(test.gespeichertesUpdate() != Datum(), text == gut);
         EXPECT_FALSE(test.ports.statusverbindung.verbunden);
+        test.tu("aus");
+        test.ports.uhr.vor(86400);
+        test.sekunden(1);
+        EXPECT_EQ(test.live.statustext(), "");
     }
 }
 
@@ -263,7 +274,7 @@ TEST_F(Laufendes, MissingProgramIsToldOncePerAttempt) {
     sekunden(7200);
     EXPECT_EQ(live.schritt(), Schritt::Ruhe);
     EXPECT_EQ(live.statustext(), "Das Live-Update konnte nicht gestartet werden.");
-    EXPECT_EQ(ports.aufrufe.anzahl(Portart::Meldungen), 2);
+    EXPECT_EQ(ports.aufrufe.anzahl("Meldungen"), 2);
 }
 
 // Not stored: kept over a reading of the settings, and written with the next occasion.

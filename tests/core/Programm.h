@@ -223,8 +223,8 @@ class Programm {
     Programm() {
         ports.dateien.lege("\\suite\\tvdaten.mdb", "x");
         ports.dateien.legeOrdner("\\suite\\Hyperlinks\\");
-        ports.fenster.fenster[FakeWendelView::kFenster] = {"Lomrick", 1, false, false};
-        ports.fenster.fenster[FakeHinweisView::kFenster] = {"Lomrick - Hinweis", 1, false, false};
+        ports.fenster.fenster[FakeWendelView::kFenster] = {"Lomrick"};
+        ports.fenster.fenster[FakeHinweisView::kFenster] = {"Lomrick - Hinweis"};
         ports.datenbanken->dynamisch = [this](const std::string& sql) {
             return tvDaten.antwort(sql, jetzt());
         };

@@ -79,7 +79,7 @@ TEST_F(Start, HelpBoxAndSecondCopyOpenNothing) {
                                    "/notrayreaction\t (reserviert für Programmierer)\r\n"
                                    "/?\t\t zeigt diese Hilfe\r\n",
                                    64, "Mögliche Startparameter"}));
-    EXPECT_EQ(ports.aufrufe.anzahl(Portart::Dateisystem), 0);
+    EXPECT_EQ(ports.aufrufe.anzahl("Dateisystem"), 0);
     EXPECT_TRUE(ports.symbol.symbole.empty());
 }
 
@@ -123,7 +123,7 @@ TEST_F(Start, DoubleClickOnTheIconStartsTheSuiteOrSendsToIt) {
     setze(einstellung::kDoppelklick, Variant::integer(1));
     starte();
     anwendung->fensterNachricht(1025, 1, 515);
-    ports.fenster.fenster[9] = {"Kestrin Pirrow", 9, false, true};
+    ports.fenster.fenster[9] = {"Kestrin Pirrow", 9};
     ports.prozesse.laufende = {{"\\suite\\fennow.exe", 5}};
     anwendung->fensterNachricht(1025, 1, 515);
     EXPECT_EQ(ports.starter.gestartet,

@@ -83,18 +83,6 @@ TEST_F(WeckTimer, BoxOfAControlLineSilencesNothingAndDoesNotPileUp) {
     EXPECT_THAT(hinweis->alleTexte, ElementsAre(notiz("Tee"), notiz("Tee\r\n") + kTatort));
 }
 
-TEST_F(WeckTimer, DueReminderSurvivesAFailedAndAnEmptyQuery) {
-    tatortUm(um(20, 10));
-    starte();
-    sperre();
-    anwendung->DoThis("terminupdate");
-    tvDaten = {};
-    ports.uhr.vor(662);  // the database calls it past now
-    anwendung->DoThis("terminupdate");
-    anwendung->tick();
-    EXPECT_EQ(hinweis->text, kTatort);
-}
-
 // After a gap in the running program it is the same; the simulation has those.
 TEST_F(WeckTimer, MissedRemindersOfRunningBroadcastsAreShownOnceAfterTheStartAsWanted) {
     tvDaten.markierungen = {{um(19, 10), um(19, 15), 90, "läuft noch", false},

@@ -104,9 +104,9 @@ TEST_F(Notice, SnoozesFromTheFullMinute) {
     for (const int minuten : dauern) {
         const std::string name =
             minuten > 60 ? std::to_string(minuten / 60) + " Stunden" : std::to_string(minuten) + " Minuten";
-        EXPECT_EQ(view.funktionen.at(static_cast<std::size_t>(++zeile)), "Erneut erinnern in " + name);
         empfaenger.rufe.clear();
-        snooze("Text", zeile);
+        snooze("Text", ++zeile);
+        EXPECT_EQ(view.funktionen.at(static_cast<std::size_t>(zeile)), "Erneut erinnern in " + name);
         const Datum moment = zeit("2012-12-24 20:14:00").plusSekunden(60 * minuten);
         EXPECT_THAT(empfaenger.rufe, ElementsAre(alsZeit(moment) + " Text", "beantwortet A"));
     }
