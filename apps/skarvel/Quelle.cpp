@@ -119,13 +119,15 @@ struct Rohr {
     }
 };
 
-// A shell in a process group of its own, which ends with this object.
+// A shell in a process group of its own, which ends with this object, and with this process even when that is
+// killed: the system tells one process of that, and a shell does not pass it on, so the group's first process
+// is a guard that does.
 class Kindprozess {
   public:
     explicit Kindprozess(const std::string& befehl) {
         Rohr ausgabe, fehlerausgabe;
         kind_ = ::fork();
-        if (kind_ == 0) werdeShell(befehl.c_str(), ausgabe.schreiben.get(), fehlerausgabe.schreiben.get());
+        if (kind_ == 0) werdeWaechter(befehl.c_str(), ausgabe.schreiben.get(), fehlerausgabe.schreiben.get());
         if (kind_ < 0) misslungen("Der Befehl \"" + befehl + "\" kann nicht gestartet werden.");
         ::setpgid(kind_, kind_);
         ausgabe_ = std::move(ausgabe.lesen);
@@ -155,14 +157,32 @@ class Kindprozess {
             ::poll(nullptr, 0, kEndetaktMs);
         }
         kind_ = 0;
-        return WIFEXITED(zustand) ? WEXITSTATUS(zustand) : 128 + WTERMSIG(zustand);
+        return endecode(zustand);
     }
 
   private:
-    // Between fork and exec only calls that are safe while other threads hold locks.
-    [[noreturn]] static void werdeShell(const char* befehl, int ausgabe, int fehlerausgabe) {
+    static int endecode(int zustand) {
+        return WIFEXITED(zustand) ? WEXITSTATUS(zustand) : 128 + WTERMSIG(zustand);
+    }
+    // From the fork on only calls that are safe while other threads hold locks. The guard outlives the signal
+    // that it sends, and ends as the shell does.
+    [[noreturn]] static void werdeWaechter(const char* befehl, int ausgabe, int fehlerausgabe) {
         ::setpgid(0, 0);
-        ::prctl(PR_SET_PDEATHSIG, SIGTERM);
+        ::signal(SIGTERM, SIG_IGN);
+        ::signal(SIGUSR1, [](int) { ::kill(0, SIGTERM); });
+        ::prctl(PR_SET_PDEATHSIG, SIGUSR1);
+        const pid_t shell = ::fork();
+        if (shell == 0) werdeShell(befehl, ausgabe, fehlerausgabe);
+        // The pipes end, and locks go, with those who use them.
+        ::close_range(0, ~0U, 0);
+        int zustand = 0;
+        while (shell > 0 && ::waitpid(shell, &zustand, 0) < 0 && errno == EINTR) {
+        }
+        ::_exit(shell > 0 ? endecode(zustand) : 127);
+    }
+    [[noreturn]] static void werdeShell(const char* befehl, int ausgabe, int fehlerausgabe) {
+        ::signal(SIGTERM, SIG_DFL);
+        ::signal(SIGUSR1, SIG_DFL);
         const int nichts = ::open("/dev/null", O_RDONLY);
         ::dup2(nichts, STDIN_FILENO);
         ::dup2(ausgabe, STDOUT_FILENO);

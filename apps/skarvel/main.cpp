@@ -206,7 +206,7 @@ int starte(int argc, char** argv) {
     QApplication anwendung(argc, argv);
     DeutscheTexte texte;
     QCoreApplication::installTranslator(&texte);
-    const Farbschema farben;
+    const Farbschema farben(Farbschema::Beginn::MitFenster);
     Fensterrolle::bekanntmachen();
     QCoreApplication::setApplicationName(QStringLiteral("Drumlet"));
     // A window of settings ends the program with it; that of an update does not close before the end.

@@ -13,6 +13,7 @@
 #include "core/Anwendung.h"
 #include "core/FormWendel.h"
 #include "desktop/Anzeigepruefung.h"
+#include "desktop/Autostarteintrag.h"
 #include "desktop/BusAutomation.h"
 #include "desktop/BusStatusverbindung.h"
 #include "desktop/Desktopfenster.h"
@@ -71,6 +72,8 @@ std::string befehlszeile(int argc, char** argv) {
     return Join(std::vector<std::string>(argv + std::min(argc, 1), argv + argc), " ");
 }
 
+bool beginntVersteckt(const std::string& zeile) { return InStr(LCase(zeile), "/m") > 0; }
+
 // The adapters that need no window.
 struct Unterbau {
     LinuxDateisystem dateien;
@@ -92,6 +95,13 @@ std::string fehlendeDatenbank(Unterbau& unterbau) {
            "  quillon --anlegen --beispiel\neine mit erfundenem Programm.";
 }
 
+// A folder that the environment has named is named again at log-on, when that has been forgotten.
+Autostarteintrag autostarteintrag(const std::string& programmordner) {
+    const bool genannt = !programmlage().wendelOrdner.empty();
+    return {konfigurationsordner() + "/autostart/wendel.desktop", eigenerProgrammordner() + "/wendel",
+            genannt ? nativerPfad(programmordner) : ""};
+}
+
 // Everything that lives as long as the event loop, in the order in which it is needed.
 class Programm {
   public:
@@ -103,12 +113,14 @@ class Programm {
           automation_(meldungen_),
           datenbanken_(uhr_, [](const std::string& pfad) { return nativerPfad(pfad); }),
           energie_(uhr_),
+          registrierung_(konfigurationsordner() + "/wendel/registrierung.txt",
+                         autostarteintrag(unterbau.programmordner)),
           ports_{uhr_,        unterbau.dateien, meldungen_, fenster_,     klang_,         prozesse_, starter_,
                  automation_, symbol_,          rechner_,   datenbanken_, fernsteuerung_, energie_},
           menues_(unterbau.programmordner),
           dienst_([this](const std::string& text) { anwendung_->DoThis(text); }),
           takt_(uhr_, [this] { anwendung_->tick(); }),
-          versteckt_(InStr(LCase(zeile), "/m") > 0) {
+          versteckt_(beginntVersteckt(zeile)) {
         meldungen_.setzeSperre([this](bool gesperrt) {
             listensperre_.setze(gesperrt);
             editorsperre_.setze(gesperrt);
@@ -179,9 +191,7 @@ class Programm {
     jet::JetDatenbankmaschinen datenbanken_;
     X11Fernsteuerung fernsteuerung_;
     LoginEnergie energie_;
-    Registrierungsdatei registrierung_{
-        konfigurationsordner() + "/wendel/registrierung.txt",
-        {konfigurationsordner() + "/autostart/wendel.desktop", eigenerProgrammordner() + "/wendel"}};
+    Registrierungsdatei registrierung_;
     Netzverbindung netz_;
     BusStatusverbindung statusverbindung_;
     Ports ports_;
@@ -226,7 +236,8 @@ int starte(int argc, char** argv) {
     QApplication anwendung(argc, argv);
     DeutscheTexte texte;
     QCoreApplication::installTranslator(&texte);
-    const Farbschema farben;
+    const Farbschema farben(beginntVersteckt(zeile) ? Farbschema::Beginn::Versteckt
+                                                    : Farbschema::Beginn::MitFenster);
     Fensterrolle::bekanntmachen();
     // What panels show as the title of the icon. Not the display name: Qt would add it to every window title,
     // by which other programs find us.

@@ -9,8 +9,6 @@
 
 namespace wendel {
 
-namespace {
-
 bool xErreichbar() {
     if (ausUmgebung("DISPLAY").empty()) return false;
     xcb_connection_t* verbindung = xcb_connect(nullptr, nullptr);
@@ -25,6 +23,8 @@ bool waylandErreichbar() {
     if (pfad.front() != '/') pfad = ausUmgebung("XDG_RUNTIME_DIR") + "/" + pfad;
     return antwortet(pfad);
 }
+
+namespace {
 
 bool plattformErreichbar(std::string_view plattform) {
     if (plattform == "xcb") return xErreichbar();

@@ -7,6 +7,10 @@ namespace wendel {
 // is unset. A platform that needs no display (offscreen, minimal, ...) is always there.
 bool anzeigeErreichbar();
 
+// By DISPLAY and WAYLAND_DISPLAY alone.
+bool xErreichbar();
+bool waylandErreichbar();
+
 inline constexpr const char* kKeinBildschirm =
     "Kein Bildschirm gefunden: Es kann weder eine X- noch eine Wayland-Anzeige erreicht werden. "
     "Bitte Lomrick in einer Desktop-Sitzung starten.";

@@ -16,6 +16,7 @@ namespace wendel {
 
 namespace {
 
+constexpr std::string_view kExec = "Exec=";
 constexpr std::string_view kZeile = "X-Wendel-Run=";
 constexpr std::string_view kVersteckt = "Hidden=true";
 constexpr std::string_view kAbgeschaltet = "X-GNOME-Autostart-enabled=false";
@@ -29,6 +30,18 @@ std::string execArgument(std::string_view argument) {
         if (c == '%') wert += '%';
     }
     return wert + '"';
+}
+
+// The other way round, for the first argument, which is the program.
+std::string erstesArgument(std::string_view exec) {
+    const bool inQuotes = exec.starts_with('"');
+    std::string programm;
+    for (std::size_t i = inQuotes ? 1 : 0; i < exec.size() && exec[i] != (inQuotes ? '"' : ' '); ++i) {
+        const bool maskiertesZeichen = (exec[i] == '\\' && inQuotes) || exec[i] == '%';
+        if (maskiertesZeichen && i + 1 < exec.size()) ++i;
+        programm += exec[i];
+    }
+    return programm;
 }
 
 // A folder of the suite on a disk of another system: its programs look executable, and can't run here.
@@ -52,7 +65,8 @@ std::string starterdatei(const std::string& genannt) {
 
 // The launcher that the line names, where the machine has it; else the program itself, which then has to wait
 // for the desktop as the launcher would have made it.
-std::string execZeile(const std::string& zeile, const std::string& eigenesProgramm) {
+std::string execZeile(const std::string& zeile, const std::string& eigenesProgramm,
+                      const std::string& programmordner) {
     std::vector<std::string> argumente = argumenteAus(zeile);
     std::string starter = argumente.empty() ? "" : starterdatei(nativerPfad(argumente.front()));
     if (starter.empty()) {
@@ -60,6 +74,8 @@ std::string execZeile(const std::string& zeile, const std::string& eigenesProgra
         argumente = {eigenesProgramm, "/pcstart"};
     }
     argumente.front() = starter;
+    if (!programmordner.empty())
+        argumente.insert(argumente.begin(), {"env", "WENDEL_ORDNER=" + programmordner});
     for (std::string& argument : argumente)
         argument = execArgument(argument);
     return Join(argumente, " ");
@@ -67,15 +83,18 @@ std::string execZeile(const std::string& zeile, const std::string& eigenesProgra
 
 }  // namespace
 
-Autostarteintrag::Autostarteintrag(std::string datei, std::string eigenesProgramm)
-    : datei_(std::move(datei)), eigenesProgramm_(std::move(eigenesProgramm)) {}
+Autostarteintrag::Autostarteintrag(std::string datei, std::string eigenesProgramm, std::string programmordner)
+    : datei_(std::move(datei)),
+      eigenesProgramm_(std::move(eigenesProgramm)),
+      programmordner_(std::move(programmordner)) {}
 
 bool Autostarteintrag::setze(const std::string& zeile) {
     LinuxDateisystem dateien;
     const std::string inhalt =
         "[Desktop Entry]\nType=Application\nVersion=1.0\nName=Lomrick\nComment=Erinnert an Sendungen und "
         "Termine\nIcon=wendel\nExec=" +
-        maskiert(execZeile(zeile, eigenesProgramm_)) + "\n" + std::string(kZeile) + maskiert(zeile) + "\n";
+        maskiert(execZeile(zeile, eigenesProgramm_, programmordner_)) + "\n" + std::string(kZeile) +
+        maskiert(zeile) + "\n";
     return dateien.ordnerAnlegen(logischerPfad(elternordner(datei_))) && dateien.ersetzen(datei_, inhalt);
 }
 
@@ -87,6 +106,16 @@ std::optional<std::string> Autostarteintrag::zeile() const {
         if (zeile.starts_with(kZeile)) gefunden = demaskiert(std::string_view(zeile).substr(kZeile.size()));
     }
     return gefunden;
+}
+
+std::optional<std::string> Autostarteintrag::programm() const {
+    const auto inhalt = LinuxDateisystem().lesen(datei_);
+    for (const std::string& zeile : Split(inhalt.value_or(""), "\n")) {
+        if (!zeile.starts_with(kExec)) continue;
+        if (const auto exec = demaskiert(std::string_view(zeile).substr(kExec.size())))
+            return erstesArgument(*exec);
+    }
+    return std::nullopt;
 }
 
 bool Autostarteintrag::loesche() {

@@ -2,10 +2,12 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstdlib>
+#include <fstream>
 #include <utility>
 
 #include "desktop/LinuxDateisystem.h"
@@ -20,6 +22,18 @@ std::string sperrdateipfad() {
         ordner && *ordner == '/' && ::access(ordner, W_OK | X_OK) == 0)
         return std::string(ordner) + "/wendel.lock";
     return konfigurationsordner() + "/wendel/wendel.lock";
+}
+
+bool sperreGehalten(const std::string& sperrdatei) {
+    struct stat angaben {};
+    if (::stat(sperrdatei.c_str(), &angaben) != 0) return false;
+    // "1: FLOCK  ADVISORY  WRITE 4711 08:01:1234 0 EOF"; the number before the inode is not that of stat() on
+    // every file system.
+    const std::string ende = ":" + std::to_string(angaben.st_ino) + " ";
+    std::ifstream sperren("/proc/locks");
+    for (std::string zeile; std::getline(sperren, zeile);)
+        if (zeile.find(" FLOCK ") != std::string::npos && zeile.find(ende) != std::string::npos) return true;
+    return false;
 }
 
 Einzelinstanz::Einzelinstanz(std::string sperrdatei) : sperrdatei_(std::move(sperrdatei)) {}

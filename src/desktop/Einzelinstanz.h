@@ -9,6 +9,10 @@ namespace wendel {
 // $XDG_RUNTIME_DIR/wendel.lock, else wendel/wendel.lock in the configuration folder. Native.
 std::string sperrdateipfad();
 
+// Whether some process holds the lock, by the kernel's list: trying it would turn away a copy that starts at
+// this moment.
+bool sperreGehalten(const std::string& sperrdatei);
+
 class Einzelinstanz {
   public:
     enum class Ergebnis {

@@ -1,9 +1,12 @@
 #pragma once
-// Colours that a palette does not have by itself.
+// Colours that a palette does not have.
 
 #include <QColor>
 
 namespace wendel {
+
+// The strip at the edge of what comes up by itself: it is from this program.
+inline constexpr QRgb kAkzent = 0xfff0901c;
 
 // A text that steps back before the others, and is still read without effort on its ground, be it light or
 // dark. Palettes' own colours for this differ too much between desktops.

@@ -60,25 +60,26 @@ QPalette dunkleMenuepalette(QPalette farben) {
 
 }  // namespace
 
-Farbschema::Farbschema() {
+Farbschema::Farbschema(Beginn beginn) {
     QDBusConnection bus = QDBusConnection::sessionBus();
     if (!bus.isConnected() || istDunkel(QGuiApplication::palette())) return;
     bus.connect(kDienst, kObjekt, kSchnittstelle, QStringLiteral("SettingChanged"), this,
                 SLOT(geaendert(QDBusMessage)));
-    frage();
+    frage(beginn);
 }
 
-void Farbschema::frage() {
+void Farbschema::frage(Beginn beginn) {
     QDBusMessage anfrage =
         QDBusMessage::createMethodCall(kDienst, kObjekt, kSchnittstelle, QStringLiteral("Read"));
     anfrage << kBereich << kName;
     auto* antwort = new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(anfrage), this);
-    QEventLoop warten;
     connect(antwort, &QDBusPendingCallWatcher::finished, this, [this](QDBusPendingCallWatcher* fertig) {
         const QDBusPendingReply<QDBusVariant> wert = *fertig;
         fertig->deleteLater();
         if (!wert.isError()) wende(wert.value().variant());
     });
+    if (beginn == Beginn::Versteckt) return;
+    QEventLoop warten;
     connect(antwort, &QDBusPendingCallWatcher::finished, &warten, &QEventLoop::quit);
     QTimer::singleShot(kWartezeitMs, &warten, &QEventLoop::quit);
     warten.exec();

@@ -12,16 +12,19 @@ class Farbschema final : public QObject {
     Q_OBJECT
 
   public:
-    // Asks and, so that no window comes up light and turns dark then, waits for the answer for a moment at
-    // most; a later answer and each change count as well. Before the first window, after the application.
-    Farbschema();
+    enum class Beginn { MitFenster, Versteckt };
+
+    // Asks. A program that begins with a window waits for the answer for a moment at most, so that the window
+    // does not come up light and turn dark then; a later answer and each change count as well. Before the
+    // first window, after the application.
+    explicit Farbschema(Beginn beginn);
 
   private Q_SLOTS:
     // The whole message: the bus library refuses slots with a variant until the first variant has come.
     void geaendert(const QDBusMessage& meldung);
 
   private:
-    void frage();
+    void frage(Beginn beginn);
     void wende(const QVariant& wert);
 
     bool dunkel_ = false;

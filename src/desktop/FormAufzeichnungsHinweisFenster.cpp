@@ -12,7 +12,9 @@ FormAufzeichnungsHinweisFenster::FormAufzeichnungsHinweisFenster()
                      .text = "Label",
                      .titel = FormAufzeichnungsHinweis::kFenstertitel,
                      .bilddatei = "aufzeichnung",
-                     .bildname = "Aufzeichnung"}) {
+                     .bildname = "Aufzeichnung"}) {}
+
+void FormAufzeichnungsHinweisFenster::baueInhalt() {
     leiste().addStretch(1);
     connect(baueOK(), &QPushButton::clicked, this, [this] { form_->cmdOK_Click(); });
 }
@@ -20,6 +22,7 @@ FormAufzeichnungsHinweisFenster::FormAufzeichnungsHinweisFenster()
 Fensterhandle FormAufzeichnungsHinweisFenster::hwnd() { return internalWinId(); }
 
 void FormAufzeichnungsHinweisFenster::setzeText(const std::string& text) {
+    baueAuf();
     zeigeText(text);
     passeAn();
 }

@@ -20,6 +20,7 @@ class FormAufzeichnungsHinweisFenster final : public Hinweisrahmen, public FormA
     void verbergen() override;
 
   protected:
+    void baueInhalt() override;
     void willSchliessen() override;
     void keyPressEvent(QKeyEvent* ereignis) override;
 

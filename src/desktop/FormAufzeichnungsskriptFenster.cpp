@@ -7,6 +7,7 @@
 #include <QPushButton>
 
 #include "desktop/Bildschirm.h"
+#include "desktop/Farben.h"
 #include "desktop/QtText.h"
 #include "desktop/Schrift.h"
 #include "desktop/Symbole.h"
@@ -18,7 +19,6 @@ namespace {
 constexpr int kBreite = 26;
 constexpr int kMenuebreite = 40;
 constexpr int kAbstand = 12;  // from the edges of the free area; device-independent pixels
-constexpr QRgb kAkzent = 0xfff0901c;
 constexpr int kStreifen = 4;
 
 // As the entry of a menu: what would be taken for an access key or a shortcut is text.
@@ -66,8 +66,12 @@ FormAufzeichnungsskriptFenster::FormAufzeichnungsskriptFenster()
     setObjectName(QStringLiteral("FormAufzeichnungsskript"));
     setWindowTitle(qtText(FormAufzeichnungsskript::kFenstertitel));
     setAccessibleName(windowTitle());
-    setWindowIcon(Symbole::symbol("wendel"));
     setAttribute(Qt::WA_ShowWithoutActivating);
+}
+
+void FormAufzeichnungsskriptFenster::baueAuf() {
+    if (labelAktuelleAktion_ != nullptr) return;
+    setWindowIcon(Symbole::symbol("wendel"));
     setFont(schrift(9.5));
 
     const int hoehe = fontMetrics().height();
@@ -108,6 +112,7 @@ void FormAufzeichnungsskriptFenster::verbergen() {
 }
 
 void FormAufzeichnungsskriptFenster::setzeAktuelleAktion(const std::string& text) {
+    baueAuf();
     labelAktuelleAktion_->setzeText(qtZeilen(text));
 }
 

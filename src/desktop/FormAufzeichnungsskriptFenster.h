@@ -29,8 +29,10 @@ class FormAufzeichnungsskriptFenster final : public QWidget, public FormAufzeich
     void paintEvent(QPaintEvent* ereignis) override;
 
   private:
+    void baueAuf();
+
     FormAufzeichnungsskript* form_ = nullptr;
-    Aktionszeile* labelAktuelleAktion_;
+    Aktionszeile* labelAktuelleAktion_ = nullptr;  // until the first step of the first recording
     QMenu mnuPopupVerlauf_{this};
 };
 

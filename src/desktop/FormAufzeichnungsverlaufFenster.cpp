@@ -49,6 +49,10 @@ FormAufzeichnungsverlaufFenster::FormAufzeichnungsverlaufFenster(QWidget& liste)
     setObjectName(QStringLiteral("FormAufzeichnungsverlauf"));
     setWindowTitle(QStringLiteral("Lomrick - Aufzeichnungen"));
     setAccessibleName(windowTitle());
+}
+
+void FormAufzeichnungsverlaufFenster::baueAuf() {
+    if (modell_ != nullptr) return;
     setWindowIcon(Symbole::symbol("wendel"));
     setFont(schrift(9.5));
 
@@ -112,6 +116,7 @@ void FormAufzeichnungsverlaufFenster::baueListe() {
 }
 
 void FormAufzeichnungsverlaufFenster::setzeZeilen(const std::vector<Aufzeichnungsverlaufszeile>& zeilen) {
+    baueAuf();
     const QIcon gelungen = Symbole::symbol("terminaufz");
     const QIcon misslungen = style()->standardIcon(QStyle::SP_MessageBoxWarning, nullptr, this);
     modell_->removeRows(0, modell_->rowCount());

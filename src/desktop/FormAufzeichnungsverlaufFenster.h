@@ -1,7 +1,7 @@
 #pragma once
 // The window of the recordings' history: a list with one row for each recording that was planned, and below
 // it the whole text of the chosen one. It shows what FormAufzeichnungsverlauf has read; Esc and the close box
-// close it.
+// close it. Its list comes into being with the first rows.
 
 #include <QTreeView>
 #include <QWidget>
@@ -39,13 +39,14 @@ class FormAufzeichnungsverlaufFenster final : public QWidget, public FormAufzeic
         void paintEvent(QPaintEvent* ereignis) override;
     };
 
+    void baueAuf();
     void baueListe();
     QWidget* baueLeiste();
     void zeigeGewaehlte();
 
     QWidget& terminliste_;
     FormAufzeichnungsverlauf* form_ = nullptr;
-    QStandardItemModel* modell_;
+    QStandardItemModel* modell_ = nullptr;
     Verlaufsliste* listViewAufzeichnungen_;
     QLabel* labelErgebnis_;
 };

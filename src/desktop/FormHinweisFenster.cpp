@@ -19,17 +19,19 @@ FormHinweisFenster::FormHinweisFenster()
                      .text = "LabelHinweisText",
                      .titel = FormHinweis::kFenstertitel,
                      .bilddatei = "hinweis",
-                     .bildname = "Erinnerung"}),
-      labelHinweisTitel_(baueUeberschrift("LabelHinweisTitel")) {
-    baueComboFunktion();
-    cmdOK_ = baueOK();
-    connect(cmdOK_, &QPushButton::clicked, this, [this] { form_->cmdOK_Click(); });
-    setTabOrder(comboFunktion_, cmdOK_);
-
+                     .bildname = "Erinnerung"}) {
     timerOKErlaubt_.setObjectName(QStringLiteral("TimerOKErlaubt"));
     timerOKErlaubt_.setSingleShot(true);
     timerOKErlaubt_.setTimerType(Qt::PreciseTimer);
     connect(&timerOKErlaubt_, &QTimer::timeout, this, [this] { form_->TimerOKErlaubt_Timer(); });
+}
+
+void FormHinweisFenster::baueInhalt() {
+    labelHinweisTitel_ = baueUeberschrift("LabelHinweisTitel");
+    baueComboFunktion();
+    QPushButton* cmdOK = baueOK();
+    connect(cmdOK, &QPushButton::clicked, this, [this] { form_->cmdOK_Click(); });
+    setTabOrder(comboFunktion_, cmdOK);
 }
 
 void FormHinweisFenster::baueComboFunktion() {
@@ -60,6 +62,7 @@ void FormHinweisFenster::setzeTitel(const std::string& titel) {
 void FormHinweisFenster::setzeText(const std::string& text) { zeigeText(text); }
 
 void FormHinweisFenster::setzeFunktionen(const std::vector<std::string>& zeilen) {
+    baueAuf();
     comboFunktion_->clear();
     for (const std::string& zeile : zeilen)
         comboFunktion_->addItem(qtText(zeile));

@@ -29,6 +29,7 @@ class FormHinweisFenster final : public Hinweisrahmen, public FormHinweisView {
     Fensterhandle fensterhandle() override;
 
   protected:
+    void baueInhalt() override;
     void willSchliessen() override;
     void keyPressEvent(QKeyEvent* ereignis) override;
     bool eventFilter(QObject* objekt, QEvent* ereignis) override;
@@ -40,7 +41,6 @@ class FormHinweisFenster final : public Hinweisrahmen, public FormHinweisView {
     FormHinweis* form_ = nullptr;
     QLabel* labelHinweisTitel_;
     QComboBox* comboFunktion_;
-    QPushButton* cmdOK_;
     QTimer timerOKErlaubt_;
 };
 

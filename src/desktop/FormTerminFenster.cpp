@@ -150,6 +150,10 @@ FormTerminFenster::FormTerminFenster(QWidget& liste)
     setObjectName(QStringLiteral("FormTermin"));
     setWindowTitle(qtText(FormTermin::kFenstertitel));
     setAccessibleName(windowTitle());
+}
+
+void FormTerminFenster::baueAuf() {
+    if (textDatum_ != nullptr) return;
     setWindowIcon(Symbole::symbol("terminuhr2"));
     setFont(schrift(9.5));
 
@@ -195,14 +199,14 @@ QWidget* FormTerminFenster::baueTag() {
     connect(textDatum_, &QLineEdit::textChanged, this, [this] { zeigeWochentag(); });
     aufbau->addWidget(textDatum_);
 
-    cmdKalender_ = new QToolButton(flaeche);
-    cmdKalender_->setObjectName(QStringLiteral("cmdKalender"));
-    cmdKalender_->setIcon(Symbole::symbol("kalender"));
-    cmdKalender_->setToolTip(QStringLiteral("Kalender (F4 oder Alt+Pfeil nach unten)"));
-    cmdKalender_->setAccessibleName(QStringLiteral("Kalender"));
-    cmdKalender_->setFocusPolicy(Qt::NoFocus);  // the keys of the date field do the same
-    connect(cmdKalender_, &QToolButton::clicked, this, [this] { oeffneKalender(); });
-    aufbau->addWidget(cmdKalender_);
+    auto* cmdKalender = new QToolButton(flaeche);
+    cmdKalender->setObjectName(QStringLiteral("cmdKalender"));
+    cmdKalender->setIcon(Symbole::symbol("kalender"));
+    cmdKalender->setToolTip(QStringLiteral("Kalender (F4 oder Alt+Pfeil nach unten)"));
+    cmdKalender->setAccessibleName(QStringLiteral("Kalender"));
+    cmdKalender->setFocusPolicy(Qt::NoFocus);  // the keys of the date field do the same
+    connect(cmdKalender, &QToolButton::clicked, this, [this] { oeffneKalender(); });
+    aufbau->addWidget(cmdKalender);
 
     for (const QKeySequence& tasten : {QKeySequence(Qt::Key_F4), QKeySequence(Qt::ALT | Qt::Key_Down)}) {
         auto* kuerzel = new QShortcut(tasten, textDatum_);
@@ -254,17 +258,18 @@ QWidget* FormTerminFenster::baueKnoepfe() {
     auto* flaeche = new QWidget(this);
     QHBoxLayout* aufbau = zeile(flaeche);
     aufbau->addStretch(1);
-    cmdOK_ = knopf("cmdOK", "&OK", flaeche);
-    cmdOK_->setDefault(true);
-    connect(cmdOK_, &QPushButton::clicked, this, [this] { form_->cmdOK_Click(); });
-    aufbau->addWidget(cmdOK_);
-    cmdCancel_ = knopf("cmdCancel", "&Abbrechen", flaeche);
-    connect(cmdCancel_, &QPushButton::clicked, this, [this] { form_->cmdCancel_Click(); });
-    aufbau->addWidget(cmdCancel_);
+    QPushButton* cmdOK = knopf("cmdOK", "&OK", flaeche);
+    cmdOK->setDefault(true);
+    connect(cmdOK, &QPushButton::clicked, this, [this] { form_->cmdOK_Click(); });
+    aufbau->addWidget(cmdOK);
+    QPushButton* cmdCancel = knopf("cmdCancel", "&Abbrechen", flaeche);
+    connect(cmdCancel, &QPushButton::clicked, this, [this] { form_->cmdCancel_Click(); });
+    aufbau->addWidget(cmdCancel);
     return flaeche;
 }
 
 void FormTerminFenster::setzeEingabe(const Termineingabe& eingabe) {
+    baueAuf();
     textDatum_->setText(qtText(eingabe.TextDatum));
     textUhrzeit_->setText(qtText(eingabe.TextUhrzeit));
     inhalt_ = eingabe.TextInhalt;

@@ -1,7 +1,7 @@
 #pragma once
 // The window of the appointment editor: shows what FormTermin says and forwards what the user does. Modal to
 // the list window only, so that notices can be answered meanwhile. Return confirms from every field, Esc and
-// the close box cancel.
+// the close box cancel. Its controls come into being with the first appointment that is edited.
 
 #include <QDialog>
 #include <functional>
@@ -14,8 +14,6 @@ class QEventLoop;
 class QGridLayout;
 class QGroupBox;
 class QLabel;
-class QPushButton;
-class QToolButton;
 
 namespace wendel {
 
@@ -48,6 +46,7 @@ class FormTerminFenster final : public QDialog, public FormTerminView {
     void reject() override;
 
   private:
+    void baueAuf();
     void baueFelder(QGridLayout& gitter);
     QWidget* baueTag();
     QWidget* baueUhrzeit();
@@ -63,14 +62,11 @@ class FormTerminFenster final : public QDialog, public FormTerminView {
     std::function<void(bool)> sperre_ = [](bool) {};
     QEventLoop* schleife_ = nullptr;  // while shown
 
-    Zeitfeld* textDatum_;
-    QToolButton* cmdKalender_;
+    Zeitfeld* textDatum_ = nullptr;  // until the controls are there
     QLabel* labelWochentag_;
     Zeitfeld* textUhrzeit_;
     Textfeld* textInhalt_;
     QButtonGroup* wiederholung_;
-    QPushButton* cmdOK_;
-    QPushButton* cmdCancel_;
     Kalenderblatt* kalender_;
 
     std::string inhalt_;    // as given

@@ -17,6 +17,7 @@
 
 #include "core/FormWendel.h"
 #include "desktop/Desktopfenster.h"
+#include "desktop/Knopf.h"
 #include "desktop/Linkschalter.h"
 #include "desktop/QtText.h"
 #include "desktop/Schrift.h"
@@ -66,10 +67,19 @@ FormWendelFenster::FormWendelFenster(QString merkdatei) : merkdatei_(std::move(m
     setObjectName(QStringLiteral("FormWendel"));
     setWindowTitle(QStringLiteral("Lomrick"));
     setAccessibleName(windowTitle());
+    lagezeit_.setSingleShot(true);
+    lagezeit_.setInterval(kLagezeitMs);
+    connect(&lagezeit_, &QTimer::timeout, this, [this] { merkeLage(); });
+}
+
+void FormWendelFenster::baueAuf() {
+    if (!vorab_) return;
+    const Vorab inhalt = *std::exchange(vorab_, std::nullopt);
     setWindowIcon(Symbole::symbol("wendel"));
     setFont(schrift(9.5));
 
     listViewTermineListe_ = new TermineListView(this);
+    if (form_ != nullptr) listViewTermineListe_->setzeForm(*form_);
     statuszeile_ = new Statuszeile(this);
     baueMenue();
     auto* trennung = new QFrame(this);
@@ -83,23 +93,18 @@ FormWendelFenster::FormWendelFenster(QString merkdatei) : merkdatei_(std::move(m
     aufbau->addWidget(statuszeile_);
     connect(listViewTermineListe_->selectionModel(), &QItemSelectionModel::selectionChanged, this,
             [this] { zeigeStatus(); });
-    zeigeStatus();
-
-    lagezeit_.setSingleShot(true);
-    lagezeit_.setInterval(kLagezeitMs);
-    connect(&lagezeit_, &QTimer::timeout, this, [this] { merkeLage(); });
     stelleHin();
+    setzeZeilen(inhalt.zeilen, inhalt.auswahl);
+    setzeMenuezustand(inhalt.zeileGewaehlt);
+    setzeLiveUpdateEinstellungen(inhalt.liveUpdateEinstellungen);
 }
 
 FormWendelFenster::~FormWendelFenster() {
     if (isVisible()) merkeLage();
-    listViewTermineListe_->selectionModel()->disconnect(this);
+    if (!vorab_) listViewTermineListe_->selectionModel()->disconnect(this);
 }
 
-void FormWendelFenster::setzeForm(FormWendel& form) {
-    form_ = &form;
-    listViewTermineListe_->setzeForm(form);
-}
+void FormWendelFenster::setzeForm(FormWendel& form) { form_ = &form; }
 
 void FormWendelFenster::baueMenue() {
     popupTerminliste_.setObjectName(QStringLiteral("PopupTerminliste"));
@@ -126,7 +131,6 @@ void FormWendelFenster::baueMenue() {
     eintrag("mnuBeenden", "B&eenden ..", {}, [this] { form_->mnuBeenden_Click(); });
     // The keys of the others are the list's own: elsewhere in the window they mean other things.
     addActions({mnuNeuTermin_, mnuAufzeichnungen});
-    setzeMenuezustand(false);
 }
 
 QWidget* FormWendelFenster::baueFussleiste() {
@@ -161,13 +165,9 @@ QWidget* FormWendelFenster::baueFussleiste() {
     liveUpdate->addWidget(labelAnzLiveUpdateEinstellungenStartLink_, 0, Qt::AlignLeft);
     aufbau->addLayout(liveUpdate, 1);
 
-    cmdAusblenden_ = new QPushButton(QStringLiteral("&Ausblenden"), flaeche);
-    cmdAusblenden_->setObjectName(QStringLiteral("cmdAusblenden"));
-    cmdAusblenden_->setAccessibleName(QStringLiteral("Ausblenden"));
-    cmdAusblenden_->setMinimumSize(fontMetrics().height() * 7, fontMetrics().height() * 2);
-    cmdAusblenden_->setAutoDefault(true);
-    connect(cmdAusblenden_, &QPushButton::clicked, this, [this] { form_->cmdAusblenden_Click(); });
-    aufbau->addWidget(cmdAusblenden_);
+    QPushButton* cmdAusblenden = knopf("cmdAusblenden", "&Ausblenden", flaeche);
+    connect(cmdAusblenden, &QPushButton::clicked, this, [this] { form_->cmdAusblenden_Click(); });
+    aufbau->addWidget(cmdAusblenden);
     return flaeche;
 }
 
@@ -179,9 +179,10 @@ void FormWendelFenster::zeigeBanner() {
 
 // ---- what the form asks ----
 
-Fensterhandle FormWendelFenster::hwnd() { return winId(); }
+Fensterhandle FormWendelFenster::hwnd() { return internalWinId(); }
 
 void FormWendelFenster::zeigen() {
+    baueAuf();
     if (isMinimized()) {
         setWindowState(windowState() & ~Qt::WindowMinimized);
         return;
@@ -199,11 +200,20 @@ void FormWendelFenster::nachVorn() {
 
 void FormWendelFenster::setzeZeilen(const std::vector<Terminzeile>& zeilen,
                                     std::optional<std::size_t> auswahl) {
+    if (vorab_) {
+        vorab_->zeilen = zeilen;
+        vorab_->auswahl = auswahl;
+        return;
+    }
     listViewTermineListe_->setzeZeilen(zeilen, auswahl);
     zeigeStatus();
 }
 
 void FormWendelFenster::setzeMenuezustand(bool zeileGewaehlt) {
+    if (vorab_) {
+        vorab_->zeileGewaehlt = zeileGewaehlt;
+        return;
+    }
     mnuEditieren_->setEnabled(zeileGewaehlt);
     mnuLoeschen_->setEnabled(zeileGewaehlt);
 }
@@ -216,13 +226,17 @@ void FormWendelFenster::zeigePopupTerminliste(bool editierenAlsVorgabe) {
 }
 
 void FormWendelFenster::setzeLiveUpdateEinstellungen(const std::string& text) {
+    if (vorab_) {
+        vorab_->liveUpdateEinstellungen = text;
+        return;
+    }
     labelAnzLiveUpdateEinstellungen_->setText(qtZeilen(text));
     labelAnzLiveUpdateEinstellungen_->setAccessibleName(labelAnzLiveUpdateEinstellungen_->text());
 }
 
 void FormWendelFenster::setzeStatustext(const std::string& text) {
     statustext_ = qtZeilen(text).replace(u'\n', u' ');
-    zeigeStatus();
+    if (!vorab_) zeigeStatus();
 }
 
 // With nothing to report the status bar says what can be done here.
@@ -297,7 +311,7 @@ void FormWendelFenster::changeEvent(QEvent* ereignis) {
 
 bool FormWendelFenster::event(QEvent* ereignis) {
     const bool erledigt = QWidget::event(ereignis);
-    if (ereignis->type() == QEvent::ScreenChangeInternal) zeigeBanner();
+    if (ereignis->type() == QEvent::ScreenChangeInternal && !vorab_) zeigeBanner();
     return erledigt;
 }
 

@@ -1,11 +1,13 @@
 #pragma once
 // The window of the main form: the list of entries with its popup menu, the live-update line and a status
 // bar. It shows what FormWendel says and forwards what the user does; its close box hides it, since the
-// program stays resident. How the list itself behaves is TermineListView's business.
+// program stays resident. How the list itself behaves is TermineListView's business. What the window holds
+// comes into being when it is shown for the first time, which after a start with the system may be never.
 
 #include <QMenu>
 #include <QTimer>
 #include <QWidget>
+#include <optional>
 
 #include "core/FormWendelView.h"
 #include "desktop/Eingabesperre.h"
@@ -52,6 +54,15 @@ class FormWendelFenster final : public QWidget, public FormWendelView {
     void resizeEvent(QResizeEvent* ereignis) override;
 
   private:
+    // What there is to show, until there are controls for it.
+    struct Vorab {
+        std::vector<Terminzeile> zeilen;
+        std::optional<std::size_t> auswahl;
+        bool zeileGewaehlt = false;
+        std::string liveUpdateEinstellungen;
+    };
+
+    void baueAuf();
     void stelleHin();
     void geheZurueck();
     void merkeLage();
@@ -67,11 +78,11 @@ class FormWendelFenster final : public QWidget, public FormWendelView {
     Eingabesperre eingabesperre_;
     QString statustext_;
     FormWendel* form_ = nullptr;
+    std::optional<Vorab> vorab_{std::in_place};
     TermineListView* listViewTermineListe_;
     QLabel* pictureInfoBanner_;
     QLabel* labelAnzLiveUpdateEinstellungen_;
     QPushButton* labelAnzLiveUpdateEinstellungenStartLink_;
-    QPushButton* cmdAusblenden_;
     Statuszeile* statuszeile_;
     QMenu popupTerminliste_{this};
     QAction* mnuNeuTermin_;

@@ -12,6 +12,7 @@
 #include <algorithm>
 
 #include "desktop/Bildschirm.h"
+#include "desktop/Farben.h"
 #include "desktop/QtText.h"
 #include "desktop/Schrift.h"
 #include "desktop/Symbole.h"
@@ -26,7 +27,6 @@ constexpr int kStreifen = 5;
 constexpr int kBild = 64;
 constexpr int kTextMindesthoehe = 42;
 constexpr int kFensterrahmen = 40;  // kept free of the screen for the window manager's frame
-constexpr QRgb kAkzent = 0xfff0901c;
 // Where the desktop scales the font alone, the window grows with it; in heights of the font.
 constexpr int kBreite = 30;
 
@@ -34,13 +34,18 @@ constexpr int kBreite = 30;
 
 Hinweisrahmen::Hinweisrahmen(const Namen& namen)
     : QWidget(nullptr, Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
-                           Qt::WindowCloseButtonHint | Qt::WindowStaysOnTopHint) {
+                           Qt::WindowCloseButtonHint | Qt::WindowStaysOnTopHint),
+      namen_(namen) {
     setObjectName(QString::fromUtf8(namen.fenster));
     setWindowTitle(qtText(namen.titel));
     setAccessibleName(windowTitle());
-    setWindowIcon(Symbole::symbol("wendel"));
     setAttribute(Qt::WA_ShowWithoutActivating);
     setFocusPolicy(Qt::ClickFocus);
+}
+
+void Hinweisrahmen::baueAuf() {
+    if (seite_ != nullptr) return;
+    setWindowIcon(Symbole::symbol("wendel"));
     setFont(schrift(9.5));
 
     auto* aufbau = new QVBoxLayout(this);
@@ -53,7 +58,7 @@ Hinweisrahmen::Hinweisrahmen(const Namen& namen)
     farben.setColor(QPalette::Window, QColor(kAkzent));
     streifen->setPalette(farben);
     aufbau->addWidget(streifen);
-    baueSeite(namen);
+    baueSeite();
     aufbau->addWidget(seite_, 1);
     fussleiste_ = new QWidget(this);
     fussleiste_->setAutoFillBackground(true);
@@ -62,9 +67,10 @@ Hinweisrahmen::Hinweisrahmen(const Namen& namen)
     leiste_->setSpacing(12);
     aufbau->addWidget(fussleiste_);
     faerbe();
+    baueInhalt();
 }
 
-void Hinweisrahmen::baueSeite(const Namen& namen) {
+void Hinweisrahmen::baueSeite() {
     seite_ = new QWidget(this);
     seite_->setAutoFillBackground(true);
     auto* aufbau = new QHBoxLayout(seite_);
@@ -72,16 +78,16 @@ void Hinweisrahmen::baueSeite(const Namen& namen) {
     aufbau->setSpacing(kRand);
 
     auto* bild = new QLabel(seite_);
-    bild->setObjectName(QString::fromUtf8(namen.bild));
-    bild->setAccessibleName(QString::fromUtf8(namen.bildname));
-    bild->setPixmap(Symbole::bild(namen.bilddatei, devicePixelRatioF()));
+    bild->setObjectName(QString::fromUtf8(namen_.bild));
+    bild->setAccessibleName(QString::fromUtf8(namen_.bildname));
+    bild->setPixmap(Symbole::bild(namen_.bilddatei, devicePixelRatioF()));
     bild->setFixedSize(kBild, kBild);
     aufbau->addWidget(bild, 0, Qt::AlignTop);
 
     spalte_ = new QVBoxLayout;
     spalte_->setSpacing(8);
     text_ = new QLabel(seite_);
-    text_->setObjectName(QString::fromUtf8(namen.text));
+    text_->setObjectName(QString::fromUtf8(namen_.text));
     text_->setTextFormat(Qt::PlainText);
     text_->setWordWrap(true);
     text_->setFont(schrift(10.5));
@@ -129,7 +135,7 @@ void Hinweisrahmen::faerbe() {
 }
 
 void Hinweisrahmen::changeEvent(QEvent* ereignis) {
-    if (ereignis->type() == QEvent::ApplicationPaletteChange) faerbe();
+    if (ereignis->type() == QEvent::ApplicationPaletteChange && seite_ != nullptr) faerbe();
     QWidget::changeEvent(ereignis);
 }
 

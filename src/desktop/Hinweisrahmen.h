@@ -1,7 +1,8 @@
 #pragma once
 // What the notices have in common: a picture and a text on a page, a bar with controls below, both under a
 // coloured strip. The window comes up above everything without taking the focus, and no control has the focus
-// at first, so that typing meant for another program answers nothing. It never closes by itself.
+// at first, so that typing meant for another program answers nothing. It never closes by itself. What it
+// holds comes into being with the first notice.
 
 #include <QWidget>
 #include <string>
@@ -28,6 +29,11 @@ class Hinweisrahmen : public QWidget {
     };
     explicit Hinweisrahmen(const Namen& namen);
 
+    // To be called before anything of the following; does nothing from the second time on.
+    void baueAuf();
+    // Puts the heading and the controls in.
+    virtual void baueInhalt() = 0;
+
     // Above the text, in larger letters.
     QLabel* baueUeberschrift(const char* name);
     // cmdOK, at the right of the bar. Whoever adds more to the bar does so before.
@@ -50,11 +56,12 @@ class Hinweisrahmen : public QWidget {
     void changeEvent(QEvent* ereignis) override;
 
   private:
-    void baueSeite(const Namen& namen);
+    void baueSeite();
     void faerbe();
     int hoeheOhneText() const;
 
-    QWidget* seite_;
+    Namen namen_;
+    QWidget* seite_ = nullptr;  // until there is something in the window
     QVBoxLayout* spalte_;
     QLabel* text_;
     QScrollArea* textbereich_;

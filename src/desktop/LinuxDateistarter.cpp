@@ -6,7 +6,6 @@
 
 #include <array>
 #include <cerrno>
-#include <climits>
 #include <optional>
 #include <utility>
 
@@ -69,12 +68,6 @@ bool istAdresse(std::string_view text) {
            text.find_first_not_of("abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ+-.") == schema;
 }
 
-std::string absolut(const std::string& nativ) {
-    if (nativ.starts_with('/')) return nativ;
-    std::array<char, PATH_MAX> hier{};
-    return ::getcwd(hier.data(), hier.size()) ? std::string(hier.data()) + "/" + nativ : "./" + nativ;
-}
-
 // True for the first bytes of something that is meant to run: ELF, a script with its interpreter, a Windows
 // program.
 bool istProgramminhalt(const std::string& nativ) {
@@ -125,8 +118,13 @@ int starteProgramm(const std::string& nativ, const std::string& parameter, const
 
 // In the named place, or for a bare name in PATH.
 std::string sucheDatei(const std::string& nativ) {
-    if (const std::string datei = vorhandeneDatei(nativ); !datei.empty()) return absolut(datei);
+    if (const std::string datei = vorhandeneDatei(nativ); !datei.empty()) return absoluterPfad(datei);
     return nativ.find('/') == std::string::npos ? imSuchpfad(nativ) : std::string();
+}
+
+std::string genannteDatei(const std::string& nativ) {
+    const std::string gefunden = sucheDatei(nativ);
+    return gefunden.empty() && endetAufExe(nativ) ? sucheDatei(ohneExe(nativ)) : gefunden;
 }
 
 }  // namespace
@@ -163,6 +161,18 @@ LinuxDateistarter::LinuxDateistarter(std::string programmdateiOrdner)
     : eigenerOrdner_(programmdateiOrdner.empty() ? eigenerProgrammordner() : std::move(programmdateiOrdner)) {
 }
 
+std::string LinuxDateistarter::eigenesSuiteprogramm(const std::string& nativ) const {
+    const std::string kurzname = LCase(ohneExe(std::string(letzterTeil(nativ))));
+    const bool gemeint = endetAufExe(nativ) && istSuiteprogramm(kurzname);
+    return gemeint ? vorhandeneDatei(eigenerOrdner_ + "/" + kurzname) : std::string();
+}
+
+std::string LinuxDateistarter::gemeinteDatei(const std::string& datei) const {
+    const std::string nativ = nativerPfad(datei);
+    const std::string gefunden = genannteDatei(nativ);
+    return gefunden.empty() ? eigenesSuiteprogramm(nativ) : gefunden;
+}
+
 int LinuxDateistarter::ausfuehren(const std::string& datei, const std::string& parameter,
                                   const std::string& ordner, int /*fensterstil*/) {
     if ((datei + parameter + ordner).find('\0') != std::string::npos) return kDateiFehlt;
@@ -170,18 +180,16 @@ int LinuxDateistarter::ausfuehren(const std::string& datei, const std::string& p
 
     const std::string nativ = nativerPfad(datei);
     std::string arbeitsordner = nativerPfad(ordner);
-    std::string gefunden = sucheDatei(nativ);
-    if (gefunden.empty() && endetAufExe(nativ)) gefunden = sucheDatei(ohneExe(nativ));
-    const std::string kurzname = LCase(ohneExe(std::string(letzterTeil(nativ))));
-    if (gefunden.empty() && endetAufExe(nativ) && istSuiteprogramm(kurzname)) {
-        gefunden = vorhandeneDatei(eigenerOrdner_ + "/" + kurzname);
+    std::string gefunden = genannteDatei(nativ);
+    if (gefunden.empty()) {
+        gefunden = eigenesSuiteprogramm(nativ);
         // The folder that was named goes with the file that was named.
         if (!gefunden.empty() && !istOrdner(arbeitsordner)) arbeitsordner = eigenerOrdner_;
     }
 
     if (!arbeitsordner.empty() && !istOrdner(arbeitsordner)) return kOrdnerFehlt;
     if (gefunden.empty()) {
-        if (istOrdner(nativ)) return oeffneDokument(absolut(nativ), arbeitsordner);
+        if (istOrdner(nativ)) return oeffneDokument(absoluterPfad(nativ), arbeitsordner);
         return istOrdner(elternordner(nativ)) ? kDateiFehlt : kOrdnerFehlt;
     }
     if (::access(gefunden.c_str(), X_OK) == 0) return starteProgramm(gefunden, parameter, arbeitsordner);

@@ -27,7 +27,12 @@ class LinuxDateistarter : public Dateistarter {
     int ausfuehren(const std::string& datei, const std::string& parameter, const std::string& ordner,
                    int fensterstil) override;
 
+    // The native path of the file that ausfuehren() would start or open, "" when there is none.
+    std::string gemeinteDatei(const std::string& datei) const;
+
   private:
+    std::string eigenesSuiteprogramm(const std::string& nativ) const;
+
     std::string eigenerOrdner_;
 };
 

@@ -54,9 +54,13 @@ bool klangserverDa() {
     return antwortet(laufzeitordner + "/pulse/native") || antwortet(laufzeitordner + "/pipewire-0");
 }
 
-// The file itself, or the shipped one of its name: the settings name a sound in the programme folder that
-// need not have been copied there.
-std::string mitgeliefert(const std::string& pfad) {
+// One after the other until one succeeds. A minute is longer than any of our sounds; it ends a player that
+// waits for a server which never answers, so that they don't pile up.
+constexpr const char* kSpieleNacheinander = R"(f=$1; shift; for p; do timeout 60 "$p" "$f" && exit; done)";
+
+}  // namespace
+
+std::string klangdatei(const std::string& pfad) {
     if (pfad.empty()) return {};
     const std::string logisch = logischerPfad(nativerPfad(pfad));
     const std::size_t trenner = logisch.rfind('\\');
@@ -64,11 +68,12 @@ std::string mitgeliefert(const std::string& pfad) {
     return vorhandeneDatei(mitgelieferteDatei(logisch.substr(0, trenner + 1), logisch.substr(trenner + 1)));
 }
 
-// One after the other until one succeeds. A minute is longer than any of our sounds; it ends a player that
-// waits for a server which never answers, so that they don't pile up.
-constexpr const char* kSpieleNacheinander = R"(f=$1; shift; for p; do timeout 60 "$p" "$f" && exit; done)";
-
-}  // namespace
+std::vector<std::string> klangspieler() {
+    std::vector<std::string> spieler;
+    for (const char* name : {"pw-play", "paplay", "aplay"})
+        if (std::string pfad = imSuchpfad(name); !pfad.empty()) spieler.push_back(std::move(pfad));
+    return spieler;
+}
 
 LinuxKlang::LinuxKlang(std::string kartenordner) : kartenordner_(std::move(kartenordner)) {}
 
@@ -78,14 +83,14 @@ int LinuxKlang::ausgabegeraete() {
 }
 
 void LinuxKlang::spieleAsynchron(const std::string& pfad) {
-    std::string datei = mitgeliefert(pfad);
+    std::string datei = klangdatei(pfad);
     if (datei.empty()) return;
     if (!datei.starts_with('/')) datei.insert(0, "./");  // a name that begins with "-" is no option
+    const std::vector<std::string> spieler = klangspieler();
+    if (spieler.empty()) return;
     std::vector<std::string> befehl{"/bin/sh", "-c", kSpieleNacheinander, "sh", datei};
-    const std::size_t ohneSpieler = befehl.size();
-    for (const char* name : {"pw-play", "paplay", "aplay"})
-        if (std::string spieler = imSuchpfad(name); !spieler.empty()) befehl.push_back(std::move(spieler));
-    if (befehl.size() > ohneSpieler) starteAbgeloest(befehl, {});
+    befehl.insert(befehl.end(), spieler.begin(), spieler.end());
+    starteAbgeloest(befehl, {});
 }
 
 }  // namespace wendel

@@ -3,10 +3,18 @@
 // and where nothing can be played nothing is heard.
 
 #include <string>
+#include <vector>
 
 #include "platform/ports/Klang.h"
 
 namespace wendel {
+
+// The file itself, or the shipped one of its name: the settings name a sound in the programme folder that
+// need not have been copied there. Native; "" when there is neither.
+std::string klangdatei(const std::string& pfad);
+
+// The players found, in the order in which they are tried.
+std::vector<std::string> klangspieler();
 
 class LinuxKlang : public Klang {
   public:

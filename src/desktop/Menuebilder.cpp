@@ -37,8 +37,9 @@ const Tippbild& Menuebilder::tippbild(qreal geraetepixel) {
     if (qFuzzyCompare(geraetepixel, geraetepixel_)) return tippbild_;
     geraetepixel_ = geraetepixel;
     const std::string datei = vorhandeneDatei(mitgelieferteDatei(programmordner_, kTippdatei));
-    const QImage bild(qtText(datei));
     tippbild_ = {};
+    if (datei.empty()) return tippbild_;
+    const QImage bild(qtText(datei));
     if (bild.isNull()) return tippbild_;
     const int hoehe = qRound(Menuemasse::kTippHoehe * geraetepixel);
     tippbild_.bild = QPixmap::fromImage(bild.scaledToHeight(hoehe, Qt::SmoothTransformation));

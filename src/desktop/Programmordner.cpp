@@ -26,14 +26,8 @@ std::string xdgOrdner(const std::string& wert, const std::string& home, const ch
     return wert.starts_with('/') ? wert : home + vorgabe;
 }
 
-std::string absolut(const std::string& ordner) {
-    if (ordner.starts_with('/')) return ordner;
-    std::array<char, PATH_MAX> hier{};
-    return ::getcwd(hier.data(), hier.size()) ? std::string(hier.data()) + "/" + ordner : ordner;
-}
-
 std::string nativerProgrammordner(const Programmlage& lage) {
-    if (!lage.wendelOrdner.empty()) return absolut(lage.wendelOrdner);
+    if (!lage.wendelOrdner.empty()) return absoluterPfad(lage.wendelOrdner);
     if (!lage.programmdateiOrdner.empty() &&
         LinuxDateisystem().existiert(logischerPfad(lage.programmdateiOrdner + "/fennow.cfg")))
         return lage.programmdateiOrdner;
@@ -53,13 +47,24 @@ std::string eigenerProgrammordner() {
     return n > 0 ? elternordner({pfad.data(), static_cast<std::size_t>(n)}) : std::string();
 }
 
+// "./" where the current folder is gone: a bare name would be looked for in PATH.
+std::string absoluterPfad(const std::string& nativ) {
+    if (nativ.starts_with('/')) return nativ;
+    std::array<char, PATH_MAX> hier{};
+    return ::getcwd(hier.data(), hier.size()) ? std::string(hier.data()) + "/" + nativ : "./" + nativ;
+}
+
 Programmlage programmlage() {
     return {ausUmgebung("WENDEL_ORDNER"), ausUmgebung("XDG_DATA_HOME"), heimordner(),
             eigenerProgrammordner()};
 }
 
+std::string programmordnerpfad(const Programmlage& lage) {
+    return mitTrenner(logischerPfad(nativerPfad(nativerProgrammordner(lage))));
+}
+
 std::optional<std::string> programmordner(const Programmlage& lage) {
-    const std::string ordner = mitTrenner(logischerPfad(nativerPfad(nativerProgrammordner(lage))));
+    const std::string ordner = programmordnerpfad(lage);
     if (!LinuxDateisystem().ordnerAnlegen(ordner)) return std::nullopt;
     return ordner;
 }

@@ -10,7 +10,10 @@ namespace wendel {
 // Native folder of the running executable, without a closing "/"; "" when /proc is missing.
 std::string eigenerProgrammordner();
 
-// What the rules below look at; umgebung() fills it from the process.
+// A native path from the root on; a relative one counts from the current folder.
+std::string absoluterPfad(const std::string& nativ);
+
+// What the rules below look at; programmlage() fills it from the process.
 struct Programmlage {
     std::string wendelOrdner;         // $WENDEL_ORDNER
     std::string xdgDataHome;          // $XDG_DATA_HOME; counts only when absolute
@@ -23,6 +26,8 @@ Programmlage programmlage();
 // set; else the executable's folder when that holds "fennow.cfg" (any case); else "wendel" in the user's data
 // folder. Created when missing; nothing when that fails.
 std::optional<std::string> programmordner(const Programmlage& lage = programmlage());
+// The same place, whether it is there or not; nothing is created.
+std::string programmordnerpfad(const Programmlage& lage = programmlage());
 
 // A shipped file (sound, picture) by its name: in the programme folder (logic form), else in ../share/wendel
 // seen from the executable, which is <prefix>/share/wendel for an installed program and build/share/wendel

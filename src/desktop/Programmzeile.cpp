@@ -52,6 +52,12 @@ std::vector<std::string> aufruf(const std::string& zeile) {
 
 }  // namespace
 
+std::string programmDerZeile(const std::string& zeile) {
+    if (zeile.find('\0') != std::string::npos) return {};
+    const std::vector<std::string> argumente = aufruf(zeile);
+    return argumente.empty() ? std::string() : argumente.front();
+}
+
 bool starteProgrammzeile(const std::string& zeile) {
     if (zeile.find('\0') != std::string::npos) return false;
     const std::vector<std::string> argumente = aufruf(zeile);

@@ -13,4 +13,7 @@ namespace wendel {
 // such file, no permission, no executable format.
 [[nodiscard]] bool starteProgrammzeile(const std::string& zeile);
 
+// The file that starteProgrammzeile() would start, native; "" when it finds none.
+std::string programmDerZeile(const std::string& zeile);
+
 }  // namespace wendel

@@ -1,6 +1,7 @@
 #include "desktop/Registrierungsdatei.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/file.h>
 #include <unistd.h>
 
@@ -18,6 +19,8 @@ namespace {
 
 constexpr std::string_view kRun = "Software\\Microsoft\\Windows\\CurrentVersion\\Run";
 constexpr std::string_view kAutostartwert = "Wendel";
+constexpr std::string_view kKopfzeile = "# Einstellungen der Programme dieses Benutzers\n";
+constexpr int kSperrfristMs = 10'000, kSperrtaktMs = 5;
 
 // The file: "[key]" lines, below each its values as "name"=type:"data". Names and data are shown as the code
 // page reads them, with control characters, quotes and backslashes as \xNN, so that every byte comes back.
@@ -58,10 +61,12 @@ std::string ausDatei(std::string_view zeile) {
 }
 
 std::string alsText(const Registrierungsdatei::Inhalt& inhalt) {
-    std::string text = "# Einstellungen der Programme dieses Benutzers\n";
-    for (const auto& [pfad, werte] : inhalt) {
-        text += "\n[" + fuerDatei(pfad) + "]\n";
-        for (const auto& [name, wert] : werte) {
+    std::string text;
+    for (const auto& [pfad, abschnitt] : inhalt) {
+        if (!pfad.empty()) text += "\n[" + fuerDatei(pfad) + "]\n";
+        for (const std::string& zeile : abschnitt.uebrigeZeilen)
+            text += zeile + '\n';
+        for (const auto& [name, wert] : abschnitt.werte) {
             text += '"' + fuerDatei(name) + "\"=" + std::to_string(wert.typ) + ":\"" +
                     fuerDatei(ausWindows1252(wert.daten)) + "\"\n";
         }
@@ -88,14 +93,16 @@ std::optional<std::pair<std::string, Registrierungswert>> wertzeile(std::string_
 
 Registrierungsdatei::Inhalt ausText(std::string_view text) {
     Registrierungsdatei::Inhalt inhalt;
-    Registrierungsdatei::Werte* werte = nullptr;
+    Registrierungsdatei::Abschnitt* abschnitt = &inhalt[""];
     for (const std::string& eine : Split(text, "\n")) {
         std::string_view zeile = eine;
         if (zeile.ends_with('\r')) zeile.remove_suffix(1);  // an editor of another system
         if (zeile.starts_with('[') && zeile.ends_with(']')) {
-            werte = &inhalt[ausDatei(zeile.substr(1, zeile.size() - 2))];
-        } else if (auto wert = werte ? wertzeile(zeile) : std::nullopt) {
-            (*werte)[wert->first] = std::move(wert->second);
+            abschnitt = &inhalt[ausDatei(zeile.substr(1, zeile.size() - 2))];
+        } else if (auto wert = wertzeile(zeile)) {
+            abschnitt->werte[wert->first] = std::move(wert->second);
+        } else if (!zeile.empty()) {
+            abschnitt->uebrigeZeilen.emplace_back(zeile);
         }
     }
     return inhalt;
@@ -104,10 +111,12 @@ Registrierungsdatei::Inhalt ausText(std::string_view text) {
 // Held for one change; who can't lock must not write.
 Dateideskriptor sperre(const std::string& datei) {
     Dateideskriptor fd(::open((datei + ".lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOCTTY, 0600));
-    int gesperrt = -1;
-    while (fd && (gesperrt = ::flock(fd.get(), LOCK_EX)) != 0 && errno == EINTR) {
+    for (int gewartet = 0; fd && gewartet <= kSperrfristMs; gewartet += kSperrtaktMs) {
+        if (::flock(fd.get(), LOCK_EX | LOCK_NB) == 0) return fd;
+        if (errno != EWOULDBLOCK && errno != EINTR) break;
+        ::poll(nullptr, 0, kSperrtaktMs);
     }
-    return gesperrt == 0 ? std::move(fd) : Dateideskriptor();
+    return {};
 }
 
 std::string ohneRandtrenner(std::string_view pfad) {
@@ -148,7 +157,7 @@ bool Registrierungsdatei::aendern(Aenderung aenderung) {
     if (!gesperrt) return false;
     const std::optional<std::string> text = dateien.lesen(datei_);
     if (!text && dateien.existiert(datei_)) return false;
-    Inhalt inhalt = ausText(text.value_or(""));
+    Inhalt inhalt = ausText(text ? *text : kKopfzeile);
     return aenderung(inhalt) && dateien.ersetzen(datei_, alsText(inhalt));
 }
 
@@ -192,7 +201,7 @@ bool Registrierungsdatei::setzeWert(Schluessel schluessel, const std::string& na
     if (!key) return false;
     if (istAutostart(key->pfad, name)) return autostart_.setze(ohneNull(wert.daten));
     return aendern([&](Inhalt& inhalt) {
-        inhalt[key->pfad][name] = wert;
+        inhalt[key->pfad].werte[name] = wert;
         return true;
     });
 }
@@ -207,10 +216,10 @@ std::optional<Registrierungswert> Registrierungsdatei::frageWert(Schluessel schl
         return Registrierungswert{registrierungstyp::kText, nachWindows1252(*zeile) + '\0'};
     }
     const Inhalt inhalt = lesen();
-    const auto werte = inhalt.find(key->pfad);
-    if (werte == inhalt.end()) return std::nullopt;
-    const auto wert = werte->second.find(name);
-    return wert == werte->second.end() ? std::nullopt : std::optional(wert->second);
+    const auto abschnitt = inhalt.find(key->pfad);
+    if (abschnitt == inhalt.end()) return std::nullopt;
+    const auto wert = abschnitt->second.werte.find(name);
+    return wert == abschnitt->second.werte.end() ? std::nullopt : std::optional(wert->second);
 }
 
 bool Registrierungsdatei::loescheWert(Schluessel schluessel, const std::string& name) {
@@ -218,11 +227,8 @@ bool Registrierungsdatei::loescheWert(Schluessel schluessel, const std::string& 
     if (!key) return false;
     if (istAutostart(key->pfad, name)) return autostart_.loesche();
     return aendern([&](Inhalt& inhalt) {
-        const auto werte = inhalt.find(key->pfad);
-        const auto wert = werte == inhalt.end() ? Werte::iterator() : werte->second.find(name);
-        if (werte == inhalt.end() || wert == werte->second.end()) return false;
-        werte->second.erase(wert);
-        return true;
+        const auto abschnitt = inhalt.find(key->pfad);
+        return abschnitt != inhalt.end() && abschnitt->second.werte.erase(name) > 0;
     });
 }
 

@@ -1,12 +1,14 @@
 #pragma once
 // The registry port over one text file, so that the suite's typed values live on a machine without a
 // registry. Several processes may use the file at once: changes are made under a lock on freshly read
-// content, and readers see the old or the new file, never a mixture. The branch of all users is empty and
-// can't be written. The value "Wendel" of the Run key is the desktop's autostart entry.
+// content, and readers see the old or the new file, never a mixture. A change fails when the lock can't be
+// had for ten seconds. The branch of all users is empty and can't be written. The value "Wendel" of the Run
+// key is the desktop's autostart entry.
 
 #include <map>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "desktop/Autostarteintrag.h"
 #include "platform/ports/Registrierung.h"
@@ -34,7 +36,12 @@ class Registrierungsdatei final : public Registrierung {
         bool operator()(std::string_view a, std::string_view b) const;
     };
     using Werte = std::map<std::string, Registrierungswert, OhneGrossKlein>;
-    using Inhalt = std::map<std::string, Werte, OhneGrossKlein>;
+    struct Abschnitt {
+        Werte werte;
+        std::vector<std::string> uebrigeZeilen;  // comments, and what can't be read: kept as they are
+    };
+    // By key; what stands before the first one belongs to the empty key.
+    using Inhalt = std::map<std::string, Abschnitt, OhneGrossKlein>;
 
   private:
     struct Offen {

@@ -19,12 +19,6 @@ namespace {
 const QString kBreiteZeit = QStringLiteral("88.88.88 88:88");
 const QString kBreiteRest = QStringLiteral("88888 Tage");
 
-// What the form calls keys and mouse buttons.
-constexpr int kTasteEingabe = 13;
-constexpr int kTasteEntf = 46;
-constexpr int kKnopfLinks = 1;
-constexpr int kKnopfRechts = 2;
-
 // Rows that are switched off step back.
 class Terminmaler final : public Zeilenmaler {
   public:

@@ -5,20 +5,13 @@
 #include <algorithm>
 #include <utility>
 
+#include "core/TaskbarIcon.h"
 #include "desktop/QtText.h"
 #include "desktop/Symbole.h"
 #include "platform/Text.h"
 
 namespace wendel {
 namespace {
-
-// Places in the icon record.
-constexpr std::size_t kStelleKennung = 8;
-constexpr std::size_t kStelleNachricht = 16;
-constexpr std::size_t kStelleTipp = 24;
-
-constexpr std::uint32_t kLinksDoppelklick = 515;
-constexpr std::uint32_t kRechtsLos = 517;
 
 // Between two calls of a host for one click of the right button.
 constexpr int kZwillingMs = 150;
@@ -31,7 +24,7 @@ std::uint32_t zahl(std::span<const std::uint8_t, 88> datensatz, std::size_t stel
 }
 
 QString tipp(std::span<const std::uint8_t, 88> datensatz) {
-    const auto bytes = datensatz.subspan(kStelleTipp);
+    const auto bytes = datensatz.subspan(kIconStelleTipp);
     const auto ende = std::find(bytes.begin(), bytes.end(), 0);
     return qtText(ausWindows1252(std::string(bytes.begin(), ende)));
 }
@@ -47,7 +40,7 @@ bool istZwilling(QElapsedTimer& letzter, int ms) {
 
 TrayIcon::TrayIcon() {
     rechtsklick_.setSingleShot(true);
-    connect(&rechtsklick_, &QTimer::timeout, this, [this] { melde(kRechtsLos); });
+    connect(&rechtsklick_, &QTimer::timeout, this, [this] { melde(kMausRechtsLos); });
     wartezeit_.setSingleShot(true);
     connect(&wartezeit_, &QTimer::timeout, this, [this] {
         if (ohneWirt_) ohneWirt_();
@@ -55,8 +48,8 @@ TrayIcon::TrayIcon() {
 }
 
 void TrayIcon::hinzufuegen(std::span<const std::uint8_t, 88> datensatz) {
-    kennung_ = zahl(datensatz, kStelleKennung);
-    nachricht_ = zahl(datensatz, kStelleNachricht);
+    kennung_ = zahl(datensatz, kIconStelleKennung);
+    nachricht_ = zahl(datensatz, kIconStelleNachricht);
     gewuenscht_ = true;
     aendern(datensatz);
     if (gefunden_) {
@@ -122,7 +115,7 @@ void TrayIcon::angeklickt(QSystemTrayIcon::ActivationReason grund) {
         case QSystemTrayIcon::Trigger:
             if (!trayfenster_) links();
             return;
-        case QSystemTrayIcon::DoubleClick: melde(kLinksDoppelklick); return;
+        case QSystemTrayIcon::DoubleClick: melde(kMausLinksDoppelklick); return;
         case QSystemTrayIcon::Context:
             // A tray window reports the press; the menu comes with the release, which goes to the same
             // window.
@@ -142,7 +135,7 @@ void TrayIcon::angeklickt(QSystemTrayIcon::ActivationReason grund) {
 // A notifier host calls once for a click and twice for a double click: the first call acts, its twin does
 // not.
 void TrayIcon::links() {
-    if (!istZwilling(letzteAktivierung_, QApplication::doubleClickInterval())) melde(kLinksDoppelklick);
+    if (!istZwilling(letzteAktivierung_, QApplication::doubleClickInterval())) melde(kMausLinksDoppelklick);
 }
 
 // A host may ask for the menu and be about to show the exported one as well. It waits for its call to come

@@ -2,9 +2,6 @@
 
 #include <QGuiApplication>
 #include <algorithm>
-#include <cstdlib>
-#include <cstring>
-#include <memory>
 
 #include "desktop/QtText.h"
 #include "platform/Text.h"
@@ -12,59 +9,21 @@
 namespace wendel {
 namespace {
 
-struct Freigabe {
-    void operator()(void* zeiger) const { std::free(zeiger); }
-};
-template <class T>
-using Antwortzeiger = std::unique_ptr<T, Freigabe>;
-
-constexpr std::uint32_t kHoechstlaenge = 4096;  // in units of four bytes
 constexpr std::uint32_t kQuelleSeitenleiste = 2;
 constexpr std::uint32_t kEntfernen = 0;
 constexpr int kHoechsteTiefe = 8;  // of dialogs that belong to dialogs, should they go in a circle
-
-// The screen part of DISPLAY, which Qt has followed when it connected.
-int bildschirmDerUmgebung() {
-    char* rechner = nullptr;
-    int anzeige = 0;
-    int bildschirm = 0;
-    const bool lesbar = xcb_parse_display(nullptr, &rechner, &anzeige, &bildschirm) != 0;
-    std::free(rechner);
-    return lesbar ? bildschirm : 0;
-}
 
 }  // namespace
 
 std::optional<X11> X11::verbindung() {
     auto* qt = qGuiApp != nullptr ? qGuiApp->nativeInterface<QNativeInterface::QX11Application>() : nullptr;
     if (qt == nullptr || qt->connection() == nullptr) return std::nullopt;
-    const int nummer = bildschirmDerUmgebung();
-    auto schirme = xcb_setup_roots_iterator(xcb_get_setup(qt->connection()));
-    for (int i = 0; i < nummer && schirme.rem > 1; ++i)
-        xcb_screen_next(&schirme);
-    return X11(qt->connection(), schirme.data->root, nummer);
-}
-
-xcb_atom_t X11::atom(const char* name) const {
-    const auto frage = xcb_intern_atom(verbindung_, 0, static_cast<std::uint16_t>(std::strlen(name)), name);
-    const Antwortzeiger<xcb_intern_atom_reply_t> antwort(xcb_intern_atom_reply(verbindung_, frage, nullptr));
-    return antwort ? antwort->atom : static_cast<xcb_atom_t>(XCB_ATOM_NONE);
-}
-
-std::vector<std::uint32_t> X11::werte(xcb_window_t fenster, const char* name) const {
-    const auto frage =
-        xcb_get_property(verbindung_, 0, fenster, atom(name), XCB_GET_PROPERTY_TYPE_ANY, 0, kHoechstlaenge);
-    const Antwortzeiger<xcb_get_property_reply_t> antwort(
-        xcb_get_property_reply(verbindung_, frage, nullptr));
-    if (!antwort || antwort->format != 32) return {};
-    const auto* anfang = static_cast<const std::uint32_t*>(xcb_get_property_value(antwort.get()));
-    return {anfang, anfang + antwort->value_len};
+    return X11(qt->connection(), bildschirmDerUmgebung());
 }
 
 std::string X11::textwert(xcb_window_t fenster, const char* name, const char* typ) const {
     const auto frage = xcb_get_property(verbindung_, 0, fenster, atom(name), atom(typ), 0, kHoechstlaenge);
-    const Antwortzeiger<xcb_get_property_reply_t> antwort(
-        xcb_get_property_reply(verbindung_, frage, nullptr));
+    const XAntwort<xcb_get_property_reply_t> antwort(xcb_get_property_reply(verbindung_, frage, nullptr));
     if (!antwort || antwort->format != 8) return {};
     const auto* anfang = static_cast<const char*>(xcb_get_property_value(antwort.get()));
     return {anfang, antwort->value_len};
@@ -100,13 +59,6 @@ void X11::aktiviere(xcb_window_t fenster) const {
     melde(fenster, "_NET_ACTIVE_WINDOW", {kQuelleSeitenleiste, XCB_CURRENT_TIME});
 }
 
-xcb_window_t X11::auswahlBesitzer(xcb_atom_t auswahl) const {
-    const auto frage = xcb_get_selection_owner(verbindung_, auswahl);
-    const Antwortzeiger<xcb_get_selection_owner_reply_t> antwort(
-        xcb_get_selection_owner_reply(verbindung_, frage, nullptr));
-    return antwort ? antwort->owner : static_cast<xcb_window_t>(XCB_WINDOW_NONE);
-}
-
 std::uint32_t X11::klient(xcb_window_t fenster) const {
     return fenster & ~xcb_get_setup(verbindung_)->resource_id_mask;
 }
@@ -128,7 +80,7 @@ xcb_window_t X11::fremdesFenster(const std::string& titelteil, Titelvergleich ve
 bool X11::hatEingabe(xcb_window_t fenster) const {
     // What is active the manager may say late, about a window that had the same number before: keys go where
     // the server says.
-    const Antwortzeiger<xcb_get_input_focus_reply_t> antwort(
+    const XAntwort<xcb_get_input_focus_reply_t> antwort(
         xcb_get_input_focus_reply(verbindung_, xcb_get_input_focus(verbindung_), nullptr));
     if (!antwort || klient(antwort->focus) != klient(fenster)) return false;
     xcb_window_t aktiv = aktivesFenster();
@@ -146,24 +98,6 @@ void X11::zeigeNormal(xcb_window_t fenster) const {
     melde(fenster, "_NET_WM_STATE",
           {kEntfernen, atom("_NET_WM_STATE_MAXIMIZED_VERT"), atom("_NET_WM_STATE_MAXIMIZED_HORZ"),
            kQuelleSeitenleiste});
-}
-
-bool X11::hatFenstermanager() const {
-    // The property outlives a manager that has crashed; its window does not.
-    const std::vector<std::uint32_t> kennung = werte(wurzel_, "_NET_SUPPORTING_WM_CHECK");
-    if (kennung.size() != 1 || werte(kennung[0], "_NET_SUPPORTING_WM_CHECK") != kennung) return false;
-    const std::vector<std::uint32_t> kann = werte(wurzel_, "_NET_SUPPORTED");
-    const auto hat = [&](const char* name) {
-        return std::find(kann.begin(), kann.end(), atom(name)) != kann.end();
-    };
-    return hat("_NET_CLIENT_LIST") && hat("_NET_ACTIVE_WINDOW");
-}
-
-bool X11::hatErweiterung(const char* name) const {
-    const auto frage = xcb_query_extension(verbindung_, static_cast<std::uint16_t>(std::strlen(name)), name);
-    const Antwortzeiger<xcb_query_extension_reply_t> antwort(
-        xcb_query_extension_reply(verbindung_, frage, nullptr));
-    return antwort && antwort->present != 0;
 }
 
 }  // namespace wendel

@@ -1,7 +1,7 @@
 #pragma once
-// What the window and tray adapters need from the X server beyond Qt: atoms, properties and messages to the
-// window manager, over Qt's own connection. Windows of other programs vanish at any moment; a failed request
-// is no error.
+// What the window and tray adapters need from the X server beyond Qt: other programs' windows and messages to
+// the window manager, over Qt's own connection. Windows of other programs vanish at any moment; a failed
+// request is no error.
 
 #include <xcb/xcb.h>
 
@@ -9,25 +9,22 @@
 #include <cstdint>
 #include <optional>
 #include <string>
-#include <vector>
+
+#include "desktop/X11Server.h"
 
 namespace wendel {
 
-class X11 {
+class X11 : public X11Server {
   public:
     // Nothing where the toolkit does not run on X.
     static std::optional<X11> verbindung();
 
-    xcb_atom_t atom(const char* name) const;
-    // The values of a 32-bit property of a window; empty when there is none.
-    std::vector<std::uint32_t> werte(xcb_window_t fenster, const char* name) const;
     // The title as the window manager shows it, UTF-8.
     std::string titel(xcb_window_t fenster) const;
     // The last active window that the manager knows of, 0 for none.
     xcb_window_t aktivesFenster() const;
     // Asks the window manager to activate a window as a pager would: restored, raised, focused.
     void aktiviere(xcb_window_t fenster) const;
-    xcb_window_t auswahlBesitzer(xcb_atom_t auswahl) const;
     // Equal for all windows that one client of the server has made.
     std::uint32_t klient(xcb_window_t fenster) const;
 
@@ -39,22 +36,12 @@ class X11 {
     bool hatEingabe(xcb_window_t fenster) const;
     // Asks for the window neither minimised nor maximised.
     void zeigeNormal(xcb_window_t fenster) const;
-    // A window manager runs that lists and activates windows.
-    bool hatFenstermanager() const;
-    bool hatErweiterung(const char* name) const;
-    int bildschirmnummer() const { return bildschirm_; }
-    xcb_window_t wurzel() const { return wurzel_; }
 
   private:
-    X11(xcb_connection_t* verbindung, xcb_window_t wurzel, int bildschirm)
-        : verbindung_(verbindung), wurzel_(wurzel), bildschirm_(bildschirm) {}
+    X11(xcb_connection_t* verbindung, int bildschirm) : X11Server(verbindung, bildschirm) {}
     // What a pager tells the window manager about a window.
     void melde(xcb_window_t fenster, const char* nachricht, const std::array<std::uint32_t, 5>& werte) const;
     std::string textwert(xcb_window_t fenster, const char* name, const char* typ) const;
-
-    xcb_connection_t* verbindung_;
-    xcb_window_t wurzel_;
-    int bildschirm_;
 };
 
 }  // namespace wendel

@@ -4,19 +4,10 @@
 
 #include <string>
 
+#include "desktop/Steuerbarkeit.h"
 #include "platform/ports/Fernsteuerung.h"
 
 namespace wendel {
-
-// What a session offers, as far as scripts need it.
-struct Steuerbarkeit {
-    std::string plattform;  // the toolkit's name for it
-    bool tasten = false;
-    bool fensterliste = false;
-};
-
-// The German sentence for the user about the first thing that is missing; "" when nothing is.
-std::string hindernistext(const Steuerbarkeit& sitzung);
 
 class X11Fernsteuerung final : public Fernsteuerung {
   public:

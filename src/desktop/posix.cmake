@@ -4,6 +4,7 @@ wendel_library(wendel_posix
     Abloesung.cpp
     Autostarteintrag.cpp
     AufwachMelder.cpp
+    Busklopfen.cpp
     Einzelinstanz.cpp
     LinuxDateistarter.cpp
     LinuxDateisystem.cpp
@@ -19,5 +20,5 @@ wendel_library(wendel_posix
     Weckalarm.cpp
   LINKS wendel_platform)
 
-# Asks for a display before the toolkit does.
-wendel_library(wendel_anzeige SOURCES Anzeigepruefung.cpp LINKS wendel_interface xcb)
+# Asks about the display without the toolkit.
+wendel_library(wendel_anzeige SOURCES Anzeigepruefung.cpp Steuerbarkeit.cpp X11Server.cpp LINKS wendel_interface xcb)

@@ -138,8 +138,8 @@ TEST(AufzeichnungsskriptFensterTest, ShowsTheStepAndTheWholeOfTheTwentyBeforeUnt
     FormAufzeichnungsskriptFenster fenster;
     FormAufzeichnungsskript form(uhr, fenster);
     fenster.setzeForm(form);
-    auto& label = kind<QPushButton>(fenster, "LabelAktuelleAktion");
     form.ShowDebugInfoAddOk();
+    auto& label = kind<QPushButton>(fenster, "LabelAktuelleAktion");
     EXPECT_TRUE(label.accessibleName() == " ..Ok" && !fenster.isVisible()) << "of no step";
     for (int i = 1; i < 6; ++i)
         form.ShowDebugInfo("Schritt " + std::to_string(i));
@@ -186,9 +186,8 @@ TEST(AufzeichnungsverlaufFensterTest, ShowsTheRowsAndTheWholeOfTheChosenOne) {
         form.auffrischen();
     };
     trageEin("ZDF", "Schnee", "aufgezeichnet");
-    auto& reihen = kind<QTreeView>(fenster, "ListViewAufzeichnungen");
-    EXPECT_EQ(reihen.model()->rowCount(), 0) << "not open";
     form.oeffnen();
+    auto& reihen = kind<QTreeView>(fenster, "ListViewAufzeichnungen");
     EXPECT_TRUE(fenster.isVisible());
     trageEin("3sat", "Kurz", "aufgezeichnet; keine wachsende Datei im Aufzeichnungsordner");
     trageEin("3sat", "Lang", "aufgezeichnet, 3 min verspätet begonnen; Wecken vom System nicht erlaubt");

@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <QAction>
-#include <QContextMenuEvent>
 #include <QHeaderView>
 #include <QLabel>
 #include <QMenu>
@@ -34,6 +33,12 @@ std::vector<Terminzeile> viele(int anzahl) {
 class TerminlisteFensterTest : public testing::Test {
   protected:
     TerminlisteFensterTest() {
+        fenster.activateWindow();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(&fenster));
+        anwendung.tick();
+    }
+    // The list of the window that is shown; there is none before.
+    QTreeView& gestartet() {
         welt.tvDaten.markierungen = {{um(20, 10), um(20, 15), 90, "Süßer Schnee", false}};
         welt.setzeTermine({{um(21, 0), "Oma anrufen\r\nund Opa", intervall::kEinmal, true},
                            {um(22, 0), "Müll", intervall::kTaeglich, true},
@@ -41,9 +46,7 @@ class TerminlisteFensterTest : public testing::Test {
         fenster.setzeForm(anwendung.formWendel());
         EXPECT_EQ(anwendung.starten(), Startergebnis::Laeuft);
         fenster.zeigen();
-        fenster.activateWindow();
-        EXPECT_TRUE(QTest::qWaitForWindowActive(&fenster));
-        anwendung.tick();
+        return kind<QTreeView>(fenster, "ListViewTermineListe");
     }
     QString zelle(int zeile, int spalte) { return liste.model()->index(zeile, spalte).data().toString(); }
     QStringList texte() {
@@ -82,39 +85,21 @@ class TerminlisteFensterTest : public testing::Test {
                   welt.verlauf},
         welt.menues,
         {"wendel", "/m", kTestordner, [] { return true; }}};
-    QTreeView& liste = kind<QTreeView>(fenster, "ListViewTermineListe");
+    QTreeView& liste = gestartet();
     QMenu& popup = kind<QMenu>(fenster, "PopupTerminliste");
 };
 
-TEST_F(TerminlisteFensterTest, EveryRowHasItsPicture) {
-    for (int i = 0; i < 4; ++i)
-        EXPECT_FALSE(liste.model()->index(i, 0).data(Qt::DecorationRole).value<QIcon>().isNull()) << i;
-}
-
-TEST_F(TerminlisteFensterTest, ThePopupComesWithTheRightButtonsReleaseAndItsEntriesFollowTheSelection) {
-    const QString ohne = "mnuNeuTermin mnuAufzeichnungen mnuBeenden ",
-                  mit = "mnuNeuTermin mnuEditieren* mnuLöschen mnuAufzeichnungen mnuBeenden ";
-    QTest::mousePress(liste.viewport(), Qt::RightButton, {}, mitte(1));
-    EXPECT_EQ(gewaehlt(), 2);
-    EXPECT_EQ(menue(), "closed");
-    QTest::mouseRelease(liste.viewport(), Qt::RightButton, {}, mitte(1));
-    EXPECT_EQ(menue(), mit);
-    popup.close();
+// By the mouse: liste.py.
+TEST_F(TerminlisteFensterTest, ThePopupsEntriesFollowTheSelectionAndItGoesWhenABoxComes) {
     klicke(Qt::RightButton, leer());
-    EXPECT_EQ(menue(), ohne) << "a press on empty space clears the selection";
-    EXPECT_EQ(gewaehlt(), 0);
-    popup.close();
-
-    QContextMenuEvent taste(QContextMenuEvent::Keyboard, {}, {});
-    QApplication::sendEvent(&liste, &taste);
-    EXPECT_EQ(menue(), ohne);
+    EXPECT_EQ(menue(), "mnuNeuTermin mnuAufzeichnungen mnuBeenden ");
     popup.close();
     klicke(Qt::LeftButton, mitte(2));
     QTest::keyClick(&liste, Qt::Key_F10, Qt::ShiftModifier);
-    EXPECT_EQ(menue(), mit);
+    EXPECT_EQ(menue(), "mnuNeuTermin mnuEditieren* mnuLöschen mnuAufzeichnungen mnuBeenden ");
     EXPECT_EQ(popup.activeAction()->objectName(), "mnuEditieren");
     fenster.setEnabled(false);
-    EXPECT_EQ(menue(), "closed") << "a box has come up";
+    EXPECT_EQ(menue(), "closed");
 }
 
 // The other keys and clicks: liste.py, editor.py.
@@ -141,7 +126,9 @@ TEST_F(TerminlisteFensterTest, KeysAndTheLinkReachTheForm) {
     EXPECT_FALSE(fenster.isVisible());
 }
 
-TEST_F(TerminlisteFensterTest, StatusFollowsTheSelectionButNotOverAMessage) {
+TEST_F(TerminlisteFensterTest, RowsHavePicturesAndTheStatusFollowsTheSelectionButNotOverAMessage) {
+    for (int i = 0; i < 4; ++i)
+        EXPECT_FALSE(liste.model()->index(i, 0).data(Qt::DecorationRole).value<QIcon>().isNull()) << i;
     liste.setCurrentIndex(liste.model()->index(0, 0));
     klicke(Qt::LeftButton, leer());
     EXPECT_EQ(status(), "Neuer Termin: Rechtsklick oder Einfg");

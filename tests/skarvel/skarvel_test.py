@@ -231,20 +231,30 @@ class Failures(Update):
             self.set(f"XmltvBefehl={command}")
             self.refused(None, message)
 
-    def test_sigterm_ends_the_grabber_too(self):
-        self.set(f"XmltvBefehl=echo $$ > '{self.folder}/pid'; sleep 300")
-        process = self.start()
-        deadline = time.monotonic() + 20
-        while not (self.folder / "pid").exists() or not (self.folder / "pid").read_text():
-            self.assertTrue(process.poll() is None and time.monotonic() < deadline, "the grabber has not begun")
-            time.sleep(0.01)
-        self.assertEqual(subprocess.run([SKARVEL, "/liveupdate", "/hidden"], env=self.environment, capture_output=True,
-                                        text=True, timeout=20).stderr.strip(), "Ein Live-Update läuft bereits.")
-        process.send_signal(signal.SIGTERM)
-        self.assertEqual(process.communicate(timeout=20)[1].strip(), BROKEN_OFF)
-        self.assertEqual(process.returncode, 1)
-        grabber = Path("/proc") / (self.folder / "pid").read_text().strip() / "stat"
-        self.assertTrue(not grabber.exists() or grabber.read_text().split(") ")[1][0] == "Z", "the grabber lives")
+    def test_whatever_ends_it_ends_all_that_the_grabber_has_started(self):
+        file = self.folder / "pid"
+        self.set(f"XmltvBefehl=sh -c 'echo $$ > {file}; exec sleep 300'; true")
+
+        def until(condition, failure):
+            deadline = time.monotonic() + 20
+            while not condition():
+                self.assertLess(time.monotonic(), deadline, failure)
+                time.sleep(0.01)
+
+        def gone():
+            stat = Path("/proc") / file.read_text().strip() / "stat"
+            return not stat.exists() or stat.read_text().split(") ")[1][0] == "Z"
+
+        for number, code, message in ((signal.SIGTERM, 1, BROKEN_OFF), (signal.SIGKILL, -signal.SIGKILL, "")):
+            file.unlink(missing_ok=True)
+            process = self.start()
+            until(lambda: file.exists() and file.read_text(), "the grabber has not begun")
+            self.assertEqual(subprocess.run([SKARVEL, "/liveupdate", "/hidden"], env=self.environment, capture_output=True,
+                                            text=True, timeout=20).stderr.strip(), "Ein Live-Update läuft bereits.")
+            process.send_signal(number)
+            self.assertEqual(process.communicate(timeout=20)[1].strip(), message)
+            self.assertEqual(process.returncode, code)
+            until(gone, "the grabber lives")
 
     def test_usage(self):
         for switches, code, text in (("/?", 0, "skarvel /hidden /liveupdate"), ("/was", 2, 'Unbekannter Schalter "/was"'),

@@ -94,6 +94,17 @@ LockFile::User LockFile::user(const std::string& databasePath, unsigned slot) {
     return known ? User{nameAt(record, 0), nameAt(record, kNameSize)} : User{};
 }
 
+unsigned LockFile::users(const std::string& databasePath) {
+    const int fd = ::open(lockFilePath(databasePath).c_str(), O_RDONLY | kFlags);
+    unsigned count = 0;
+    for (unsigned slot = 1; fd >= 0 && slot <= kSlots; ++slot) {
+        struct flock lock = slotLock(F_WRLCK, slot, 1);
+        if (::fcntl(fd, F_OFD_GETLK, &lock) == 0 && lock.l_type != F_UNLCK) ++count;
+    }
+    if (fd >= 0) ::close(fd);
+    return count;
+}
+
 void LockFile::remove() {
     if (fd_ < 0) return;
     struct flock others = slotLock(F_WRLCK, 1, kSlots);

@@ -26,6 +26,8 @@ class LockFile {
     unsigned slot() const { return slot_; }
     // Who has this place in a database's list.
     static User user(const std::string& databasePath, unsigned slot);
+    // How many places of a database's list are held at this moment; takes none.
+    static unsigned users(const std::string& databasePath);
     // Removes the list, unless somebody else has a place in it. For the last user, while nobody can enter.
     void remove();
 

@@ -113,13 +113,5 @@ TEST(Einzelinstanz, IsHeldUntilTheFirstProcessIsKilled) {
     EXPECT_EQ(Ergebnis::NichtPruefbar, Einzelinstanz(temp.datei("datei", "") + "/wendel.lock").ergebnis());
 }
 
-TEST(Einzelinstanz, LockFileIsInTheRuntimeFolderElseInTheConfiguration) {
-    const TempOrdner temp;
-    const Variable config("XDG_CONFIG_HOME", temp / "config"), laufzeit("XDG_RUNTIME_DIR", temp.pfad());
-    EXPECT_EQ(temp / "wendel.lock", sperrdateipfad());
-    const Variable fehlt("XDG_RUNTIME_DIR", temp / "fehlt");
-    EXPECT_EQ(temp / "config/wendel/wendel.lock", sperrdateipfad());
-}
-
 }  // namespace
 }  // namespace wendel

@@ -53,8 +53,14 @@ TEST_F(RegistryFile, GivesEveryTypeBackToAnotherProcess) {
     for (const auto& fall : faelle)
         EXPECT_TRUE(WriteValue(registrierung, kBenutzer, kPfad, fall.name, fall.geschrieben)) << fall.name;
     std::ofstream(temp / "wendel/registrierung.txt", std::ios::app)
-        << "[" << kPfad << "\\von Hand]\r\n\"x\"=1:\"y\"\r\n";
-    ASSERT_TRUE(WriteValue(registrierung, kBenutzer, kPfad, "x", Variant::lang(1)));
+        << "[" << kPfad << "\\von Hand]\r\n\"x\"=1:\"y\"\r\n\"z\"=neu:\"y\"\n";
+    const std::string kopf = "# Einstellungen der Programme dieses Benutzers\n\n[";
+    for (int i = 0; i < 2; ++i) {
+        ASSERT_TRUE(WriteValue(registrierung, kBenutzer, kPfad, "x", Variant::lang(i)));
+        const std::string inhalt = inhaltVon(temp / "wendel/registrierung.txt");
+        EXPECT_TRUE(inhalt.starts_with(kopf) && inhalt.ends_with("]\n\"z\"=neu:\"y\"\n\"x\"=1:\"y\"\n"))
+            << inhalt;
+    }
     Registrierungsdatei andere = offene();
     Variant vonHand;
     EXPECT_TRUE(ReadValue(andere, kBenutzer, kPfad + "\\von Hand", "x", vonHand));
@@ -124,6 +130,11 @@ TEST_F(RegistryFile, RunValueIsTheAutostartEntryOfTheDesktop) {
         EXPECT_NE(std::string::npos, inhaltVon(temp / "autostart/wendel.desktop").find(fall.exec))
             << fall.exec;
     }
+    Autostarteintrag mitOrdner(temp / "autostart/wendel.desktop", "/bin/wendel", "/home/ä/TV $");
+    EXPECT_TRUE(mitOrdner.setze("\"C:\\Suite\\tessaly.exe\" wendel pcstart"));
+    EXPECT_NE(std::string::npos,
+              inhaltVon(temp / "autostart/wendel.desktop")
+                  .find("\nExec=\"env\" \"WENDEL_ORDNER=/home/ä/TV \\\\$\" \"/bin/wendel\" \"/pcstart\"\n"));
     EXPECT_TRUE(DeleteValue(registrierung, kBenutzer, kRun, "Wendel"));
     EXPECT_EQ("", inhaltVon(temp / "autostart/wendel.desktop"));
     EXPECT_FALSE(DeleteValue(registrierung, kBenutzer, kRun, "Wendel"));
