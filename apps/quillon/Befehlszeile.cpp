@@ -13,7 +13,8 @@ namespace {
 
 constexpr std::string_view kAufruf =
     "Aufruf: quillon [--ordner ORDNER] [--anlegen] [--beispiel] [--erststart] [--setze NAME=WERT]\n"
-    "                [--zeige [NAME]] [--termine-export DATEI] [--termine-import DATEI]\n";
+    "                [--zeige [NAME]] [--termine-export DATEI] [--termine-import DATEI]\n"
+    "        quillon [--ordner ORDNER] --pruefe\n";
 
 // Walks through the arguments.
 class Leser {
@@ -74,6 +75,8 @@ void liesSchalter(Leser& leser, Befehl& befehl) {
     const std::string schalter = leser.naechstes();
     if (schalter == "--hilfe" || schalter == "--help" || schalter == "-h") {
         befehl.hilfe = true;
+    } else if (schalter == "--pruefe") {
+        befehl.pruefen = true;
     } else if (schalter == "--ordner") {
         befehl.ordner = leser.wertFuer(schalter);
         if (befehl.ordner->empty()) throw Gebrauchsfehler("Der Ordner ist leer.");
@@ -118,7 +121,9 @@ Befehl befehlAus(std::span<const std::string> argumente) {
     Leser leser(argumente);
     while (!leser.fertig())
         liesSchalter(leser, befehl);
-    if (befehl.auftraege.empty() && !befehl.hilfe) {
+    if (befehl.pruefen && !befehl.auftraege.empty())
+        throw Gebrauchsfehler("\"--pruefe\" steht allein oder mit \"--ordner\".");
+    if (befehl.auftraege.empty() && !befehl.hilfe && !befehl.pruefen) {
         throw Gebrauchsfehler(std::string("Es ist nichts zu tun.\n") + std::string(kAufruf) +
                               "Mehr zeigt \"quillon --hilfe\".");
     }
@@ -138,6 +143,9 @@ std::string hilfetext() {
         "  --termine-export DATEI   schreibt die eigenen Termine als Kalender (iCalendar, .ics);\n"
         "                           \"-\" ist die Standardausgabe\n"
         "  --termine-import DATEI   übernimmt die Ereignisse eines Kalenders als eigene Termine\n"
+        "  --pruefe           sieht nach, ob alles da ist und zusammenpasst, und rät, was zu tun ist; "
+        "ändert\n"
+        "                     nichts und nennt nichts Privates, damit der Bericht in eine Frage passt\n"
         "\n"
         "Vorhandenes wird nie überschrieben: Eine unlesbare fennow.cfg wird in\n"
         "fennow.cfg.defekt umbenannt, bevor eine neue entsteht. Beim Export wird nur eine\n"

@@ -44,8 +44,9 @@ using Auftrag =
 
 struct Befehl {
     bool hilfe = false;                 // nothing else is asked for then
+    bool pruefen = false;               // the same; there are no jobs
     std::optional<std::string> ordner;  // as typed
-    std::vector<Auftrag> auftraege;     // in the order of the arguments, at least one
+    std::vector<Auftrag> auftraege;     // in the order of the arguments, at least one unless one of the above
 };
 
 // The arguments without the program's name, UTF-8. Throws Gebrauchsfehler.

@@ -55,6 +55,15 @@ bool istGueltig(const icaltimetype& t) {
                          t.second <= kSchaltsekunde);
 }
 
+// The library knows the changes of the clocks until 2582, and unrolls them all again with each later
+// question. The calendar repeats itself after 400 years.
+Datum inBekannterZeit(Datum wand) {
+    constexpr std::int64_t kVierJahrhunderte = std::int64_t{146097} * 86400;
+    while (wand >= DateSerial(2500, 1, 1))
+        wand = wand.plusSekunden(-kVierJahrhunderte);
+    return wand;
+}
+
 }  // namespace
 
 bool istSchreibbar(Datum d) { return d >= DateSerial(100, 1, 1) && d < DateSerial(3001, 1, 1); }
@@ -70,7 +79,7 @@ Kalenderzone Kalenderzone::namens(const std::string& name, icalcomponent* kalend
 Datum Kalenderzone::ortszeit(Datum wand) const {
     if (art_ == Art::Ort) return wand;
     if (art_ == Art::Welt) return ausWeltzeit(wand);
-    icaltimetype zeit = kalenderzeit(wand);
+    icaltimetype zeit = kalenderzeit(inBekannterZeit(wand));
     return ausWeltzeit(wand.plusSekunden(-icaltimezone_get_utc_offset(zone_, &zeit, nullptr)));
 }
 

@@ -1,5 +1,5 @@
 // quillon: creates and changes the settings of the suite on the command line, and its database where there is
-// none. Exit codes: 0 done, 1 error, 2 wrong usage.
+// none; checks an installation. Exit codes: 0 done, 1 error, 2 wrong usage.
 
 #include <algorithm>
 #include <exception>
@@ -13,6 +13,7 @@
 #include "../Konsolenports.h"
 #include "Befehlszeile.h"
 #include "Einrichter.h"
+#include "Pruefer.h"
 #include "desktop/LinuxUhr.h"
 #include "desktop/Pfade.h"
 #include "desktop/Programmordner.h"
@@ -54,16 +55,25 @@ std::string programmordnerFuer(const Befehl& befehl, Dateisystem& dateien) {
     return *ordner;
 }
 
-void fuehreAus(const Befehl& befehl) {
-    std::string meldung;
-    const auto uhr = LinuxUhr::ausUmgebung(meldung);
-    if (!uhr) throw Gebrauchsfehler(meldung);
-    const Konsolenports ports(*uhr);
+void erledigeAuftraege(const Befehl& befehl, Uhr& uhr) {
+    const Konsolenports ports(uhr);
     Einrichter einrichter(ports.ports(), programmordnerFuer(befehl, ports.ports().dateien), std::cout,
                           std::cerr);
     for (const Auftrag& auftrag : befehl.auftraege)
         einrichter.erledige(auftrag);
+}
+
+int fuehreAus(const Befehl& befehl) {
+    std::string meldung;
+    const auto uhr = LinuxUhr::ausUmgebung(meldung);
+    if (!uhr) throw Gebrauchsfehler(meldung);
+    int code = 0;
+    if (befehl.pruefen)
+        code = pruefeAlles(befehl.ordner, *uhr, std::cout) ? 0 : kFehler;
+    else
+        erledigeAuftraege(befehl, *uhr);
     if (!std::cout.flush()) throw Fehler(fehlernummer::kEigener, "quillon", "Die Ausgabe ist nicht möglich.");
+    return code;
 }
 
 int laufe(const std::vector<std::string>& argumente) {
@@ -73,8 +83,7 @@ int laufe(const std::vector<std::string>& argumente) {
             std::cout << hilfetext();
             return 0;
         }
-        fuehreAus(befehl);
-        return 0;
+        return fuehreAus(befehl);
     } catch (const Gebrauchsfehler& fehler) {
         std::cerr << fehler.what() << "\n";
         return kFalscherGebrauch;
