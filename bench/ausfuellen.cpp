@@ -79,8 +79,12 @@ Messwerte misst(int anzahl) {
     FakeHinweisView hinweis(welt.ports.aufrufe);
     FakeTerminView editor;
     FormWendelFenster fenster{QString()};
-    Anwendung anwendung(welt.ports.ports(), fenster, hinweis, editor, welt.menues,
-                        {"wendel", "/m", kTestordner, [] { return true; }});
+    Anwendung anwendung(
+        welt.ports.ports(),
+        Systemdienste{welt.ports.registrierung, welt.ports.einwahl, welt.ports.statusverbindung},
+        Ansichten{fenster, hinweis, editor, welt.aufzeichnungsHinweis, welt.aufzeichnungsskript,
+                  welt.verlauf},
+        welt.menues, {"wendel", "/m", kTestordner, [] { return true; }});
     fenster.setzeForm(anwendung.formWendel());
     anwendung.starten();
     fenster.zeigen();

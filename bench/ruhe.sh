@@ -11,14 +11,6 @@
 # second one maps them, which on a desktop is the rule. The bar on private memory holds for the second case: a
 # bare tray program (leer/) runs beside ours and is measured, too, as the baseline of the same run.
 set -eu
-here=$(cd "$(dirname "$0")" && pwd)
-root=$(dirname "$here")
-build=$(cd "${1:-$root/build}" && pwd)
+. "$(dirname "$0")/desktop.sh" "${1:-}"
 notices=${2:-40}
-[ -x "$build/bin/wendel" ] || { echo "ruhe: $build/bin/wendel is not built" >&2; exit 2; }
-cmake -S "$here/leer" -B "$build/bench-leer" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
-cmake --build "$build/bench-leer" >/dev/null
-export WENDEL_LEER=$build/bench-leer/leer
-export WENDEL_PROGRAMM=$build/bin/wendel WENDEL_DATEN=${WENDEL_DATEN:-$root/../shared/data} PYTHONDONTWRITEBYTECODE=1
-exec "$root/tests/tools/headless-desktop" --tray xembed --timeout $((200 + 6 * notices)) -- \
-  /usr/bin/python3 "$here/ruhe.py" "$notices"
+desktop $((200 + 6 * notices)) --tray xembed -- /usr/bin/python3 "$here/ruhe.py" "$notices"
