@@ -167,7 +167,7 @@ def frage():
     for antwort, danach in (('Escape', True), ('alt+n', False), ('alt+j', True)):
         if not p.prozess or p.prozess.poll() is not None:
             p.ab('12:10:00')
-        warte(lambda: re.search(r'\nExec="?/\S*/wendel"? "?/pcstart', eintrag()), 'the entry')
+        warte(lambda: re.search(r'\nExec="env" "WENDEL_ORDNER=/\S+" "/\S*/wendel" "/pcstart', eintrag()), 'the entry')
         will_beenden()
         warte_aktiv(FRAGE)
         time.sleep(0.3)
