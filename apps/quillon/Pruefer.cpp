@@ -1,6 +1,5 @@
 #include "Pruefer.h"
 
-#include <chrono>
 #include <functional>
 #include <memory>
 #include <utility>
@@ -14,8 +13,6 @@
 
 namespace wendel::quillon {
 namespace {
-
-constexpr std::chrono::seconds kDateifrist{10};
 
 // Each part looks at the folder and the settings for itself, as even that may take for ever.
 class Pruefplan {
@@ -45,11 +42,9 @@ class Pruefplan {
                 const Konsolenports ports(uhr_);
                 pruefeSkript(melder, ports.ports(), lage);
             })};
-        Pruefteil& seiten = teile[7];
-        seiten.frist = kDateifrist;
-        seiten.beiFristende = {Pruefstand::Hinweis,
-                               "Seiten und Indizes: nach 10 Sekunden nicht zu Ende geprüft",
-                               "Ohne Frist prüft \"jetsql DATEI --pruefen\"."};
+        teile[7].beiFristende = {Pruefstand::Hinweis,
+                                 "Seiten und Indizes: nach 10 Sekunden nicht zu Ende geprüft",
+                                 "Ohne Frist prüft \"jetsql DATEI --pruefen\"."};
         return teile;
     }
 

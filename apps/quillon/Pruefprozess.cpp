@@ -88,7 +88,7 @@ void bindeAn(pid_t eltern) {
 }  // namespace
 
 Pruefprozess::Pruefprozess(const Pruefteil& teil)
-    : teil_(teil), ende_(std::chrono::steady_clock::now() + teil.frist) {
+    : teil_(teil), ende_(std::chrono::steady_clock::now() + kPrueffrist) {
     int enden[2];
     if (::pipe2(enden, O_CLOEXEC) != 0) return;
     rohr_ = Dateideskriptor(enden[0]);
