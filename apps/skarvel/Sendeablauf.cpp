@@ -33,14 +33,16 @@ void schneideUeberlappungen(std::vector<Guidesendung>& sendungen) {
 }
 
 // In the hour that the autumn repeats, a broadcast can end at an earlier wall time than it begins; it is
-// shown with its length then.
+// shown with its length then. Whoever reads the length adds it to the beginning on the wall clock, where the
+// spring leaves an hour out: a recording would end before the broadcast does.
 cSendung aufDieWanduhr(Guidesendung& quelle) {
     cSendung sendung = std::move(quelle.daten);
     const std::int64_t laenge = *quelle.ende - quelle.beginn;
     sendung.Beginn = ortszeit(quelle.beginn);
     sendung.Ende = ortszeit(*quelle.ende);
     if (sendung.Ende <= sendung.Beginn) sendung.Ende = sendung.Beginn.plusSekunden(laenge);
-    sendung.Dauer = std::to_string((laenge + 30) / 60);
+    const std::int64_t aufDerWand = sendung.Ende.sekunden() - sendung.Beginn.sekunden();
+    sendung.Dauer = std::to_string((std::max(laenge, aufDerWand) + 30) / 60);
     return sendung;
 }
 
