@@ -118,6 +118,8 @@ FOREIGN = [
      ["30.11.2026 18:00:00|0|ja|a"], ["lässt Tage oder Wochen aus: nur der nächste"]),
     ("monthly", [event("SUMMARY:a", "DTSTART:20260130T180000", "RRULE:FREQ=MONTHLY;BYDAY=-1FR")],
      ["27.11.2026 18:00:00|0|ja|a"], ["Monatliche Wiederholung: nur der nächste"]),
+    ("centuries ahead", [event("SUMMARY:a", "DTSTART;TZID=Europe/Berlin:26100701T180000", "RRULE:FREQ=DAILY")],
+     ["01.07.2610 18:00:00|1|ja|a"], []),
     ("birthday", [event("SUMMARY:a", "DTSTART;VALUE=DATE:19600229", "RRULE:FREQ=YEARLY")],
      ["29.02.2028 09:00:00|0|ja|a"], ["Jährliche Wiederholung: nur der nächste"]),
     ("each second", [event("SUMMARY:a", "DTSTART:20260130T180000", "RRULE:FREQ=SECONDLY")], [], ["Nicht übernommen"]),
