@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "Pruefungen.h"
+#include "desktop/Abloesung.h"
 #include "desktop/Autostarteintrag.h"
 #include "desktop/LinuxDateisystem.h"
 #include "desktop/Pfade.h"
@@ -112,7 +113,8 @@ void pruefeAutostart(Pruefmelder& melder, const Konfiguration& k) {
     if (!da && k.autostart) return melder.hinweis("Autostart: eingeschaltet, aber nicht eingetragen", kNeu);
     if (!da) return melder.ok("Autostart: ausgeschaltet");
     const std::string programm = eintrag.programm().value_or("");
-    if (!programm.starts_with('/') || ::access(programm.c_str(), X_OK) != 0)
+    const std::string datei = programm.find('/') == std::string::npos ? imSuchpfad(programm) : programm;
+    if (!datei.starts_with('/') || ::access(datei.c_str(), X_OK) != 0)
         return melder.fehler("Autostart: eingetragen, aber das Programm ist nicht da", kNeu);
     melder.ok("Autostart: eingetragen, das Programm ist da");
 }
