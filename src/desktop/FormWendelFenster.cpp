@@ -74,7 +74,7 @@ FormWendelFenster::FormWendelFenster(QString merkdatei) : merkdatei_(std::move(m
 
 void FormWendelFenster::baueAuf() {
     if (!vorab_) return;
-    const Vorab inhalt = *std::exchange(vorab_, std::nullopt);
+    const Listeninhalt inhalt = *std::exchange(vorab_, std::nullopt);
     setWindowIcon(Symbole::symbol("wendel"));
     setFont(schrift(9.5));
 

@@ -21,6 +21,14 @@ class FormWendel;
 class Statuszeile;
 class TermineListView;
 
+// What there is to show, until there are controls for it.
+struct Listeninhalt {
+    std::vector<Terminzeile> zeilen;
+    std::optional<std::size_t> auswahl;
+    bool zeileGewaehlt = false;
+    std::string liveUpdateEinstellungen;
+};
+
 class FormWendelFenster final : public QWidget, public FormWendelView {
   public:
     // merkdatei keeps the window's place and size over the runs; it and its folder are made when needed.
@@ -54,14 +62,6 @@ class FormWendelFenster final : public QWidget, public FormWendelView {
     void resizeEvent(QResizeEvent* ereignis) override;
 
   private:
-    // What there is to show, until there are controls for it.
-    struct Vorab {
-        std::vector<Terminzeile> zeilen;
-        std::optional<std::size_t> auswahl;
-        bool zeileGewaehlt = false;
-        std::string liveUpdateEinstellungen;
-    };
-
     void baueAuf();
     void stelleHin();
     void geheZurueck();
@@ -78,7 +78,7 @@ class FormWendelFenster final : public QWidget, public FormWendelView {
     Eingabesperre eingabesperre_;
     QString statustext_;
     FormWendel* form_ = nullptr;
-    std::optional<Vorab> vorab_{std::in_place};
+    std::optional<Listeninhalt> vorab_{std::in_place};
     TermineListView* listViewTermineListe_;
     QLabel* pictureInfoBanner_;
     QLabel* labelAnzLiveUpdateEinstellungen_;

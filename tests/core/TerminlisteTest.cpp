@@ -199,7 +199,7 @@ TEST_F(Liste, ActionsArePutOffWhileSomethingWouldHaveToWaitForThem) {
         tvDaten.gesperrt = false;
         const std::size_t vorher = kaesten().size();
         int dialoge = 0;
-        editor->imDialog = [&] {
+        editor->imDialog = [&, name = name] {
             ++dialoge, bis(um(20, 3)), ereignisse();
             std::string gestartet;
             for (const FakeStarter::Start& start : ports.starter.gestartet)
