@@ -113,7 +113,7 @@ void Aufzeichnungsablauf::schlafBemerken(std::int64_t seitMs, int arbeitsminuten
 void Aufzeichnungsablauf::nachschreiben() {
     const Datum jetzt = ports_.uhr.jetzt();
     if (std::exchange(minute_, jetzt.sekunden() / 60) == jetzt.sekunden() / 60) return;
-    if (stand_.nachlesen()) plan_.erneuern();
+    if (stand_.nachlesen()) plan_.nachlesen(jetzt);
     static_cast<void>(stand_.nachschreiben(jetzt));
 }
 

@@ -74,6 +74,11 @@ bool Aufzeichnungsplan::istZurueckgezogen(const Aufzeichnungseintrag& eintrag, D
     return jetzt < a.beginn || (jetzt < a.ende && jetzt < sendungsende);
 }
 
+void Aufzeichnungsplan::nachlesen(Datum jetzt) {
+    const bool markierungenBekannt = abgeglichen_ != 0;
+    markierungenBekannt ? static_cast<void>(abgleichen(jetzt)) : erneuern();
+}
+
 void Aufzeichnungsplan::erneuern() {
     std::vector<Vorhaben> neu;
     for (const Aufzeichnungseintrag& eintrag : stand_.eintraege()) {

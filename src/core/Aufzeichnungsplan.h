@@ -32,6 +32,8 @@ class Aufzeichnungsplan {
     bool istAktuell() const;
     // Takes it over; the state is to be stored then. True when one that was planned is not wanted any more.
     bool abgleichen(Datum jetzt);
+    // To be called when the state has been read anew: it may bring back what was withdrawn before.
+    void nachlesen(Datum jetzt);
     // To be called when the state has other entries than before, or other phases.
     void erneuern();
 

@@ -84,7 +84,8 @@ void Aufzeichnungsstand::lesen() {
     nachlesen();
 }
 
-// An entry of the file that got further than what is held knows what the last run of the program did.
+// The file knows what the last run of the program did with a recording; one that has begun again since goes
+// on as what it is now.
 bool Aufzeichnungsstand::nachlesen() {
     if (!unlesbar_) return false;
     const std::optional<std::string> inhalt = dateien_.lesen(datei_);
@@ -97,7 +98,7 @@ bool Aufzeichnungsstand::nachlesen() {
         Aufzeichnungseintrag* gehalten = finde(eintrag->aufzeichnung);
         if (!gehalten) {
             eintraege_.push_back(*eintrag);
-        } else if (gehalten->phase < eintrag->phase) {
+        } else if (gehalten->phase == Aufzeichnungsphase::Geplant) {
             *gehalten = *eintrag;
         }
     }
@@ -126,6 +127,7 @@ void Aufzeichnungsstand::vergiss(const Aufzeichnung aufzeichnung) {
 }
 
 bool Aufzeichnungsstand::speichern(Datum jetzt) {
+    if (unlesbar_) return false;
     std::erase_if(eintraege_, [&](const Aufzeichnungseintrag& eintrag) {
         return eintrag.phase == Aufzeichnungsphase::Protokolliert &&
                eintrag.aufzeichnung.ende.plusSekunden(kBehaltenSekunden) < jetzt;
@@ -133,7 +135,6 @@ bool Aufzeichnungsstand::speichern(Datum jetzt) {
     std::string inhalt;
     for (const Aufzeichnungseintrag& eintrag : eintraege_)
         inhalt += zeileAusEintrag(eintrag);
-    if (unlesbar_) return false;
     ungespeichert_ = inhalt != geschrieben_ && !dateien_.ersetzen(datei_, inhalt);
     if (!ungespeichert_) geschrieben_ = std::move(inhalt);
     return !ungespeichert_;

@@ -57,6 +57,11 @@ struct Aufzeichnungen : testing::Test, Programm {
     void fehlt(std::set<std::string> programme) {
         ports.fernsteuerung.fehlendeProgramme = std::move(programme);
     }
+    void unlesbar(const std::string& datei) {
+        ports.dateien.scheitert = [=](const auto& was, const auto& p) {
+            return was == "lesen" && p == datei;
+        };
+    }
     void lies() { anwendung->DoThis("refreshkonfig"); }
     void vorUndNachlauf(std::int16_t vor, std::int16_t nach) {
         setze(einstellung::kVorlauf, Variant::integer(vor));
@@ -151,7 +156,7 @@ TEST_P(Ausgang, IsOneLineAndEveryCommandAtItsPlace) {
 }
 
 using A = Aufzeichnungen;
-const Texte kAn{"an", "kanal ARD", "rec Tatort"}, kZu{"stop", "aus"};
+const Texte kAn{"an", "kanal ARD", "rec Tatort"}, kZu{"stop", "aus"}, kKeine;
 Texte folge(std::initializer_list<Texte> teile) {
     Texte alle;
     for (const Texte& teil : teile)
@@ -168,20 +173,17 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(
         Fall{"StartedLate", [](A& a) { a.neustartUm(um(20, 12)), a.bis(um(22, 0)); }, folge({kAn, kZu}),
              "aufgezeichnet, 2 min verspätet begonnen\n"},
-        Fall{"Asleep", [](A& a) { a.springe(um(23, 0)); }, {}, "verpasst: Rechner schlief\n"},
-        Fall{
-            "Off", [](A& a) { a.neustartUm(um(23, 0)), a.sekunde(); }, {}, "verpasst: Programm lief nicht\n"},
-        Fall{"NoScript",
-             [](A& a) { a.skript("x"), a.lies(), a.bis(um(22, 0)); },
-             {},
+        Fall{"Asleep", [](A& a) { a.springe(um(23, 0)); }, kKeine, "verpasst: Rechner schlief\n"},
+        Fall{"Off", [](A& a) { a.neustartUm(um(23, 0)), a.sekunde(); }, kKeine,
+             "verpasst: Programm lief nicht\n"},
+        Fall{"NoScript", [](A& a) { a.skript("x"), a.lies(), a.bis(um(22, 0)); }, kKeine,
              "verpasst: kein Skript\n"},
         Fall{"Withdrawn",
              [](A& a) {
                  a.bis(um(20, 9, 30)), a.marken({}), a.bis(um(22, 0));
                  EXPECT_FALSE(a.aufzeichnungsHinweis.gezeigt);
              },
-             {},
-             ""},
+             kKeine, ""},
         Fall{"WithdrawnAfterAFailedStart",
              [](A& a) {
                  a.setze(einstellung::kDebuganzeige, Variant::boolesch(true));
@@ -190,6 +192,13 @@ INSTANTIATE_TEST_SUITE_P(
                  a.bis(um(22, 0));
              },
              folge({kAn, kZu}), ""},
+        Fall{"WithdrawnWhileTheStateFileCouldNotBeRead",
+             [](A& a) {
+                 a.unlesbar("\\suite\\aufzeichnung.txt");
+                 a.neustartUm(um(20, 5)), a.marken({}), a.bis(um(20, 7));
+                 a.ports.dateien.scheitert = nullptr, a.bis(um(22, 0));
+             },
+             kKeine, ""},
         Fall{"WithdrawnTooLate", [](A& a) { a.bis(um(20, 30)), a.marken({}), a.bis(um(22, 0)); },
              folge({kAn, kZu}), "aufgezeichnet\n"},
         Fall{"LeadChangedMeanwhile",
@@ -224,8 +233,7 @@ INSTANTIATE_TEST_SUITE_P(
                  a.marken({{um(20, 10), 2, "Tatort"}}), a.vorUndNachlauf(0, 0);
                  a.fehlt({"an", "aus"}), a.bis(um(20, 10, 30)), a.skript("x"), a.lies(), a.bis(um(22, 0));
              },
-             {"an", "aus"},
-             kAnFehlt},
+             folge({{"an", "aus"}}), kAnFehlt},
         Fall{"EndFails", [](A& a) { a.bis(um(21, 0)), a.fehlt({"stop"}), a.bis(um(22, 0)); },
              folge({kAn, kZu}), kStopFehlt},
         Fall{"ScriptVanishes", [](A& a) { a.bis(um(21, 0)), a.skript("x"), a.lies(), a.bis(um(22, 0)); }, kAn,
@@ -346,8 +354,9 @@ TEST_F(Aufzeichnungen, StateAndLogThatCannotBeKeptAreToldOnceAndKeptLater) {
         SCOPED_TRACE(datei);
         const std::string pfad = "\\suite\\" + datei;
         const bool stand = datei.ends_with("txt");
+        const auto vorher = ports.dateien.inhalt(pfad);
         ports.meldungen.fehler.clear();
-        if (stand) ports.dateien.scheitert = [=](const auto&, const auto& p) { return p == pfad; };
+        if (stand) unlesbar(pfad);
         if (!stand) ports.dateien.nurLesen = {pfad};
         if (stand) neustartUm(um(20, 40));  // while one runs, of which only that file knows
         bis(stand ? um(20, 50) : um(22, 0));
@@ -356,6 +365,7 @@ TEST_F(Aufzeichnungen, StateAndLogThatCannotBeKeptAreToldOnceAndKeptLater) {
                         "\" kann nicht gelesen oder nicht geschrieben werden. Lomrick kann nicht "
                         "festhalten, was aus den Aufzeichnungen wird.\r\nDer Versuch wird jede Minute "
                         "wiederholt."});
+        EXPECT_EQ(ports.dateien.inhalt(pfad), vorher) << "nothing is written over it";
         ports.dateien.scheitert = nullptr;
         ports.dateien.nurLesen.clear();
         bis(jetzt().plusSekunden(60));

@@ -10,7 +10,6 @@
 #include <set>
 #include <string>
 #include <utility>
-#include <vector>
 
 #include "SimulationModell.h"
 #include "platform/Text.h"
