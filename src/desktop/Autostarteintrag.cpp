@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <fstream>
 #include <string_view>
 #include <utility>
@@ -17,6 +18,7 @@ namespace wendel {
 namespace {
 
 constexpr std::string_view kExec = "Exec=";
+constexpr std::string_view kEnv = "env";  // sets variables, then starts the program behind them
 constexpr std::string_view kZeile = "X-Wendel-Run=";
 constexpr std::string_view kVersteckt = "Hidden=true";
 constexpr std::string_view kAbgeschaltet = "X-GNOME-Autostart-enabled=false";
@@ -32,16 +34,27 @@ std::string execArgument(std::string_view argument) {
     return wert + '"';
 }
 
-// The other way round, for the first argument, which is the program.
-std::string erstesArgument(std::string_view exec) {
+// The other way round: cuts the first argument off the line.
+std::string schneideArgument(std::string_view& exec) {
     const bool inQuotes = exec.starts_with('"');
-    std::string programm;
-    for (std::size_t i = inQuotes ? 1 : 0; i < exec.size() && exec[i] != (inQuotes ? '"' : ' '); ++i) {
+    std::string argument;
+    std::size_t i = inQuotes ? 1 : 0;
+    for (; i < exec.size() && exec[i] != (inQuotes ? '"' : ' '); ++i) {
         const bool maskiertesZeichen = (exec[i] == '\\' && inQuotes) || exec[i] == '%';
         if (maskiertesZeichen && i + 1 < exec.size()) ++i;
-        programm += exec[i];
+        argument += exec[i];
     }
-    return programm;
+    exec.remove_prefix(std::min(exec.size(), exec.find_first_not_of(' ', i + (inQuotes ? 1 : 0))));
+    return argument;
+}
+
+std::string programmAus(std::string_view exec) {
+    std::string argument = schneideArgument(exec);
+    if (argument != kEnv) return argument;
+    do {
+        argument = schneideArgument(exec);
+    } while (argument.find('=') != std::string::npos);
+    return argument;
 }
 
 // A folder of the suite on a disk of another system: its programs look executable, and can't run here.
@@ -75,7 +88,7 @@ std::string execZeile(const std::string& zeile, const std::string& eigenesProgra
     }
     argumente.front() = starter;
     if (!programmordner.empty())
-        argumente.insert(argumente.begin(), {"env", "WENDEL_ORDNER=" + programmordner});
+        argumente.insert(argumente.begin(), {std::string(kEnv), "WENDEL_ORDNER=" + programmordner});
     for (std::string& argument : argumente)
         argument = execArgument(argument);
     return Join(argumente, " ");
@@ -113,7 +126,7 @@ std::optional<std::string> Autostarteintrag::programm() const {
     for (const std::string& zeile : Split(inhalt.value_or(""), "\n")) {
         if (!zeile.starts_with(kExec)) continue;
         if (const auto exec = demaskiert(std::string_view(zeile).substr(kExec.size())))
-            return erstesArgument(*exec);
+            return programmAus(*exec);
     }
     return std::nullopt;
 }

@@ -135,6 +135,7 @@ TEST_F(RegistryFile, RunValueIsTheAutostartEntryOfTheDesktop) {
     EXPECT_NE(std::string::npos,
               inhaltVon(temp / "autostart/wendel.desktop")
                   .find("\nExec=\"env\" \"WENDEL_ORDNER=/home/ä/TV \\\\$\" \"/bin/wendel\" \"/pcstart\"\n"));
+    EXPECT_EQ("/bin/wendel", mitOrdner.programm());
     EXPECT_TRUE(DeleteValue(registrierung, kBenutzer, kRun, "Wendel"));
     EXPECT_EQ("", inhaltVon(temp / "autostart/wendel.desktop"));
     EXPECT_FALSE(DeleteValue(registrierung, kBenutzer, kRun, "Wendel"));
