@@ -72,6 +72,33 @@ TEST_F(SysFehlerFensterTest, WaitsUnfoldsAndAnswers) {
     EXPECT_TRUE(gesperrt == 0 && !fenster.isVisible());
 }
 
+TEST_F(SysFehlerFensterTest, BuildsItsDetailsFromWhatIsThereAndFoldsThemAsItIsAskedTo) {
+    const std::pair<SysFehler, const char*> faelle[] = {
+        {{.Fehlertext = "x", .ErrSource = "ohne Nummer", .ErrDescription = "ungezeigt"}, ""},
+        {{.ErrNumber = -7, .ErrSource = " Ort ", .ErrDescription = " Was "}, "(-7) Was\nFehlerort: Ort"},
+        {{.DetailText = " mehr ", .DetailsAufklappen = true}, "mehr"},
+        {{.ErrNumber = 1, .ErrSource = "Ort", .DetailText = "a\r\nb"}, "(1) \nFehlerort: Ort\na\nb"}};
+    const auto& details = kind<QPlainTextEdit>(fenster, "TextDetails");
+    for (const auto& fall : faelle) {
+        QTimer::singleShot(0, [&] {
+            EXPECT_EQ(details.toPlainText(), fall.second);
+            EXPECT_EQ(details.isVisible(), fall.first.DetailsAufklappen);
+            knopf("cmdDetails").click();
+            EXPECT_NE(details.isVisible(), fall.first.DetailsAufklappen);
+            knopf("cmdOK").click();
+        });
+        form.ShowFehler(fall.first);
+    }
+    const SysFehler stehend{.ButtonWiederholen = true, .NurAnzeigenUndStehenLassen = true};
+    EXPECT_EQ(form.ShowFehler(stehend), SysFehlerErgebnis::Keines);
+    knopf("cmdDetails").click();
+    form.ShowFehler(stehend);
+    EXPECT_TRUE(details.isVisible()) << "the user was reading";
+    fenster.close();
+    form.ShowFehler(stehend);
+    EXPECT_TRUE(fenster.isVisible() && !details.isVisible());
+}
+
 TEST_F(SysFehlerFensterTest, LetsNoWordOfTheMessageRunOutOfTheWindow) {
     const std::string pfad = "C:\\Programme\\" + std::string(200, 'x') + "\\tv.exe";
     form.ShowFehler({.Fehlertext = pfad, .NurAnzeigenUndStehenLassen = true});

@@ -5,7 +5,6 @@
 #include <QAccessible>
 #include <QAction>
 #include <QImage>
-#include <QMenu>
 #include <QScreen>
 #include <QTemporaryDir>
 #include <QTest>

@@ -6,7 +6,6 @@
 #include <cstdlib>
 #include <string>
 #include <string_view>
-#include <tuple>
 #include <vector>
 
 #include "../../apps/skarvel/Guidesendung.h"

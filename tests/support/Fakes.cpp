@@ -1,7 +1,6 @@
 #include "support/Fakes.h"
 
 #include <algorithm>
-#include <utility>
 
 #include "platform/Text.h"
 

@@ -1,5 +1,4 @@
-// The statements to the blank, as the suite's programs send them; the rows that they find are tested on the
-// real engine (tests/integration).
+// The statements to the blank, as the suite's programs send them; the rows that they find: jetsql.statements.
 #include "tvdb/Programmabfragen.h"
 
 #include "tvdb/Probe.h"

@@ -6,7 +6,6 @@
 #include <memory>
 #include <set>
 #include <string>
-#include <vector>
 
 #include "jet/JetDatenbankmaschinen.h"
 #include "jet/storage/FileCheck.h"

@@ -1,7 +1,6 @@
 #pragma once
 // Random changes of files that may be damaged: for the test and the fuzzer.
 
-#include <algorithm>
 #include <set>
 #include <vector>
 
