@@ -10,9 +10,11 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <csignal>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string_view>
 #include <system_error>
 #include <utility>
@@ -28,9 +30,10 @@ namespace {
 
 constexpr std::size_t kStueck = 128 * 1024;
 constexpr int kTaktMs = 100, kEndetaktMs = 10;
-constexpr int kStilleMs = 60 * 60 * 1000;
+constexpr std::chrono::seconds kNachlauf{2};
+constexpr std::chrono::hours kStille{1}, kLaengstens{12};
 constexpr std::size_t kFehlertext = 4096;
-constexpr int kEndeabwartenMs = 3000;
+constexpr int kEndefristS = 3;
 
 [[noreturn]] void misslungen(const std::string& text) {
     throw Fehler(fehlernummer::kEigener, "skarvel", text);
@@ -119,6 +122,26 @@ struct Rohr {
     }
 };
 
+// Keeps the signals that a guard waits for from this thread and from what it forks.
+struct Signalsperre {
+    sigset_t signale, vorher;
+    Signalsperre() {
+        ::sigemptyset(&signale);
+        for (const int signal : {SIGTERM, SIGALRM, SIGCHLD})
+            ::sigaddset(&signale, signal);
+        ::pthread_sigmask(SIG_BLOCK, &signale, &vorher);
+    }
+    ~Signalsperre() { ::pthread_sigmask(SIG_SETMASK, &vorher, nullptr); }
+    Signalsperre(const Signalsperre&) = delete;
+    Signalsperre& operator=(const Signalsperre&) = delete;
+
+    // In a new process, which is without the handlers of the old one.
+    void loese() const {
+        ::signal(SIGTERM, SIG_DFL);
+        ::pthread_sigmask(SIG_SETMASK, &vorher, nullptr);
+    }
+};
+
 // A shell in a process group of its own, which ends with this object, and with this process even when that is
 // killed: the system tells one process of that, and a shell does not pass it on, so the group's first process
 // is a guard that does.
@@ -126,8 +149,12 @@ class Kindprozess {
   public:
     explicit Kindprozess(const std::string& befehl) {
         Rohr ausgabe, fehlerausgabe;
+        const pid_t eltern = ::getpid();
+        const Signalsperre sperre;
         kind_ = ::fork();
-        if (kind_ == 0) werdeWaechter(befehl.c_str(), ausgabe.schreiben.get(), fehlerausgabe.schreiben.get());
+        if (kind_ == 0)
+            werdeWaechter(eltern, sperre, befehl.c_str(), ausgabe.schreiben.get(),
+                          fehlerausgabe.schreiben.get());
         if (kind_ < 0) misslungen("Der Befehl \"" + befehl + "\" kann nicht gestartet werden.");
         ::setpgid(kind_, kind_);
         ausgabe_ = std::move(ausgabe.lesen);
@@ -135,10 +162,10 @@ class Kindprozess {
     }
     ~Kindprozess() {
         if (kind_ <= 0) return;
-        ::kill(-kind_, SIGTERM);
-        for (int gewartet = 0; gewartet < kEndeabwartenMs; gewartet += kTaktMs) {
+        ::kill(kind_, SIGTERM);
+        for (int gewartet = 0; gewartet < (kEndefristS + 1) * 1000; gewartet += kEndetaktMs) {
             if (::waitpid(kind_, nullptr, WNOHANG) != 0) return;
-            ::poll(nullptr, 0, kTaktMs);
+            ::poll(nullptr, 0, kEndetaktMs);
         }
         ::kill(-kind_, SIGKILL);
         ::waitpid(kind_, nullptr, 0);
@@ -149,13 +176,11 @@ class Kindprozess {
     int ausgabe() const { return ausgabe_.get(); }
     int fehlerausgabe() const { return fehler_.get(); }
 
-    // As the shell tells it: 0 is success, 128 and more a signal.
-    int warteAufEnde(const Lesefortschritt& fortschritt) {
+    // As the shell tells it: 0 is success, 128 and more a signal. Nothing while it runs; not to be asked
+    // again after that.
+    std::optional<int> ende() {
         int zustand = 0;
-        while (::waitpid(kind_, &zustand, WNOHANG) == 0) {
-            fortschritt(0);
-            ::poll(nullptr, 0, kEndetaktMs);
-        }
+        if (::waitpid(kind_, &zustand, WNOHANG) == 0) return std::nullopt;
         kind_ = 0;
         return endecode(zustand);
     }
@@ -164,25 +189,50 @@ class Kindprozess {
     static int endecode(int zustand) {
         return WIFEXITED(zustand) ? WEXITSTATUS(zustand) : 128 + WTERMSIG(zustand);
     }
-    // From the fork on only calls that are safe while other threads hold locks. The guard outlives the signal
-    // that it sends, and ends as the shell does.
-    [[noreturn]] static void werdeWaechter(const char* befehl, int ausgabe, int fehlerausgabe) {
+    // From the fork on only calls that are safe while other threads hold locks.
+    [[noreturn]] static void werdeWaechter(pid_t eltern, const Signalsperre& sperre, const char* befehl,
+                                           int ausgabe, int fehlerausgabe) {
         ::setpgid(0, 0);
-        ::signal(SIGTERM, SIG_IGN);
-        ::signal(SIGUSR1, [](int) { ::kill(0, SIGTERM); });
-        ::prctl(PR_SET_PDEATHSIG, SIGUSR1);
-        const pid_t shell = ::fork();
-        if (shell == 0) werdeShell(befehl, ausgabe, fehlerausgabe);
+        ::signal(SIGCHLD, SIG_DFL);
+        ::prctl(PR_SET_PDEATHSIG, SIGTERM);
+        ::prctl(PR_SET_CHILD_SUBREAPER, 1);
+        const pid_t shell = ::getppid() == eltern ? ::fork() : -1;
+        if (shell == 0) {
+            sperre.loese();
+            werdeShell(befehl, ausgabe, fehlerausgabe);
+        }
+        if (shell < 0) ::_exit(127);
         // The pipes end, and locks go, with those who use them.
         ::close_range(0, ~0U, 0);
+        bewache(shell, sperre.signale);
+    }
+    // Ends as the shell does, and with it; asked to end, when all of the group have, which have a while for
+    // that. What the shell has left behind is a child of the guard.
+    [[noreturn]] static void bewache(pid_t shell, const sigset_t& signale) {
         int zustand = 0;
-        while (shell > 0 && ::waitpid(shell, &zustand, 0) < 0 && errno == EINTR) {
+        bool lebt = true, beenden = false;
+        for (;;) {
+            const int signal = ::sigwaitinfo(&signale, nullptr);
+            if (signal == SIGTERM && !std::exchange(beenden, true)) {
+                ::alarm(kEndefristS);
+                ::kill(shell, SIGTERM);  // it may have left the group
+                ::kill(0, SIGTERM);
+            }
+            if (signal == SIGALRM) {
+                if (lebt) ::kill(shell, SIGKILL);
+                ::kill(0, SIGKILL);
+            }
+            int dessen = 0;
+            for (pid_t beendeter = 0; (beendeter = ::waitpid(-1, &dessen, WNOHANG)) > 0;)
+                if (beendeter == shell) {
+                    zustand = dessen;
+                    lebt = false;
+                }
+            const bool gruppeLebt = ::waitpid(0, nullptr, WNOHANG) == 0;
+            if (!lebt && !(beenden && gruppeLebt)) ::_exit(endecode(zustand));
         }
-        ::_exit(shell > 0 ? endecode(zustand) : 127);
     }
     [[noreturn]] static void werdeShell(const char* befehl, int ausgabe, int fehlerausgabe) {
-        ::signal(SIGTERM, SIG_DFL);
-        ::signal(SIGUSR1, SIG_DFL);
         const int nichts = ::open("/dev/null", O_RDONLY);
         ::dup2(nichts, STDIN_FILENO);
         ::dup2(ausgabe, STDOUT_FILENO);
@@ -208,16 +258,24 @@ ssize_t stueckAus(int rohr, std::vector<char>& stueck) {
     return gelesen < 0 && (errno == EINTR || errno == EAGAIN) ? -1 : std::max<ssize_t>(gelesen, 0);
 }
 
-// The output to the parser, the end of the error output as result.
-std::string liesAusgabe(const Kindprozess& kind, XmltvLeser& leser, const Lesefortschritt& fortschritt) {
+struct Befehlsende {
+    int code = 0;
+    std::string fehlertext;  // the end of the error output
+};
+
+// The output to the parser, until the command has ended. What it has left running may hold its outputs open:
+// that is not waited for.
+Befehlsende liesAusgabe(Kindprozess& kind, XmltvLeser& leser, const Lesefortschritt& fortschritt) {
+    const auto beginn = std::chrono::steady_clock::now();
+    auto zuletzt = beginn;
     std::vector<char> stueck(kStueck);
     std::string fehlertext;
     std::array<pollfd, 2> rohre{{{kind.ausgabe(), POLLIN, 0}, {kind.fehlerausgabe(), POLLIN, 0}}};
-    // Something that the command has left running may hold the error output open: it is not waited for.
-    for (int still = 0; rohre[0].fd >= 0;) {
-        const int bereit = ::poll(rohre.data(), rohre.size(), kTaktMs);
-        still = bereit == 0 ? still + kTaktMs : 0;
-        if (still >= kStilleMs) misslungen("Der Befehl hat eine Stunde lang nichts ausgegeben.");
+    for (std::optional<int> code;;) {
+        if (!code) code = kind.ende();
+        const int bereit = ::poll(rohre.data(), rohre.size(), rohre[0].fd >= 0 ? kTaktMs : kEndetaktMs);
+        const auto jetzt = std::chrono::steady_clock::now();
+        if (bereit > 0) zuletzt = jetzt;
         for (pollfd& rohr : rohre) {
             if (bereit <= 0 || rohr.revents == 0) continue;
             const ssize_t gelesen = stueckAus(rohr.fd, stueck);
@@ -231,9 +289,11 @@ std::string liesAusgabe(const Kindprozess& kind, XmltvLeser& leser, const Lesefo
                 fehlertext += text;
             if (fehlertext.size() > 2 * kFehlertext) fehlertext.erase(0, fehlertext.size() - kFehlertext);
         }
+        if (code && (rohre[0].fd < 0 || jetzt - zuletzt >= kNachlauf)) return {*code, fehlertext};
+        if (jetzt - zuletzt >= kStille) misslungen("Der Befehl hat eine Stunde lang nichts ausgegeben.");
+        if (jetzt - beginn >= kLaengstens) misslungen("Der Befehl ist nach zwölf Stunden nicht fertig.");
         fortschritt(0);
     }
-    return fehlertext;
 }
 
 }  // namespace
@@ -254,8 +314,7 @@ void liesDateien(const std::string& pfad, XmltvEmpfaenger& empfaenger, const Les
 void liesBefehl(const std::string& befehl, XmltvEmpfaenger& empfaenger, const Lesefortschritt& fortschritt) {
     Kindprozess kind(befehl);
     XmltvLeser leser("Ausgabe des Befehls", empfaenger);
-    const std::string fehlertext = liesAusgabe(kind, leser, fortschritt);
-    const int code = kind.warteAufEnde(fortschritt);
+    const auto [code, fehlertext] = liesAusgabe(kind, leser, fortschritt);
     if (code != 0) {
         const std::string zeile = letzteZeile(fehlertext);
         misslungen("Der Befehl \"" + befehl + "\" ist mit dem Code " + std::to_string(code) + " gescheitert" +

@@ -19,8 +19,9 @@ using Lesefortschritt = std::function<void(double anteil)>;
 void liesDateien(const std::string& pfad, XmltvEmpfaenger& empfaenger, const Lesefortschritt& fortschritt);
 
 // Runs the line in a shell, its input empty, and reads what it prints. Throws Fehler 1 with the last line of
-// its error output when it cannot be run, fails, or prints nothing for an hour. It is ended, with all that it
-// has started, when the reading ends before it does.
+// its error output when it cannot be run or fails, and when it prints nothing for an hour or needs more than
+// twelve. It is ended, with all that it has started, when the reading ends before it does; what then has not
+// ended within three seconds is killed.
 void liesBefehl(const std::string& befehl, XmltvEmpfaenger& empfaenger, const Lesefortschritt& fortschritt);
 
 }  // namespace wendel::skarvel

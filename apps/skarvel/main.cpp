@@ -4,6 +4,7 @@
 #include <QApplication>
 #include <QMessageBox>
 #include <QTimer>
+#include <csignal>
 #include <cstdio>
 #include <ctime>
 #include <memory>
@@ -181,6 +182,8 @@ int richteEin(Uhr& uhr, const std::string& ordner) {
 }
 
 int starte(int argc, char** argv) {
+    // Ignored, as some launchers leave it, a command that has failed would seem to have succeeded.
+    std::signal(SIGCHLD, SIG_DFL);
     std::string meldung;
     const std::vector<std::string> argumente(argv + (argc > 0), argv + argc);
     const auto schalter = schalterAus(argumente, meldung);

@@ -83,6 +83,7 @@ void warteAufEnde(pid_t programm, const Auftrag& auftrag) {
 // The process in the middle: it ends soon, and the program then belongs to init, which reaps it.
 [[noreturn]] void vermittle(const Auftrag& auftrag) {
     ::setsid();
+    ::signal(SIGCHLD, SIG_DFL);  // ignored, as some launchers leave it, the program's end would not be told
     const pid_t programm = ::fork();
     if (programm == 0) werdeProgramm(auftrag);
     if (programm < 0)

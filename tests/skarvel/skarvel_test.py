@@ -77,8 +77,10 @@ class Update(unittest.TestCase):
         self.tool(QUILLON, *(argument for setting in settings for argument in ("--setze", setting)))
 
     def start(self, *switches):
+        """With the ends of children ignored, as some launchers leave it."""
         return subprocess.Popen([SKARVEL, "/hidden", "/liveupdate", "/onlyuseWinConnection", *switches], env=self.environment,
-                                stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
+                                stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True,
+                                preexec_fn=lambda: signal.signal(signal.SIGCHLD, signal.SIG_IGN))
 
     def update(self, text=None):
         """Exit code and what it says."""
@@ -223,6 +225,8 @@ class Failures(Update):
         self.set(f"XmltvBefehl=cat '{self.source}'")
         self.updated()
         self.assertEqual(self.column("Select Count(*) from Sendungen"), ["3"])
+        self.set(f"XmltvBefehl=cat '{self.source}'; sleep 30 &")  # keeps the pipe open
+        self.updated()
         for command, message in ((f"cat '{self.source}'; echo Erste >&2; echo 'Server antwortet nicht' >&2; exit 3",
                                   "mit dem Code 3 gescheitert: Server antwortet nicht"),
                                  ("gibtesnicht --days 3", "mit dem Code 127 gescheitert"),
@@ -233,7 +237,7 @@ class Failures(Update):
 
     def test_whatever_ends_it_ends_all_that_the_grabber_has_started(self):
         file = self.folder / "pid"
-        self.set(f"XmltvBefehl=sh -c 'echo $$ > {file}; exec sleep 300'; true")
+        self.set(f"XmltvBefehl=sh -c 'trap \"\" TERM; echo $$ > {file}; exec sleep 300'; true")
 
         def until(condition, failure):
             deadline = time.monotonic() + 20
