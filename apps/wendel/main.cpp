@@ -16,6 +16,7 @@
 #include "desktop/Autostarteintrag.h"
 #include "desktop/BusAutomation.h"
 #include "desktop/BusStatusverbindung.h"
+#include "desktop/Busklopfen.h"
 #include "desktop/Desktopfenster.h"
 #include "desktop/Desktopmenues.h"
 #include "desktop/DeutscheTexte.h"
@@ -45,6 +46,7 @@
 #include "desktop/Registrierungsdatei.h"
 #include "desktop/Sekundentakt.h"
 #include "desktop/TrayIcon.h"
+#include "desktop/Umgebung.h"
 #include "desktop/WendelOpen.h"
 #include "desktop/X11Fernsteuerung.h"
 #include "jet/JetDatenbankmaschinen.h"
@@ -80,6 +82,14 @@ struct Unterbau {
     std::unique_ptr<LinuxUhr> uhr;
     std::string programmordner;
 };
+
+// The toolkit would wait without end for a session bus that is stuck, and all reminders with it: better none.
+void meideStummenBus() {
+    constexpr int kFristMs = 10'000;
+    constexpr const char* kAdresse = "DBUS_SESSION_BUS_ADDRESS";
+    const std::string socket = bussocket(ausUmgebung(kAdresse));
+    if (!socket.empty() && istStumm(socket, kFristMs)) qputenv(kAdresse, "unix:path=/dev/null");
+}
 
 // A machine that has no database gets told what is missing where, and what makes one. Only when neither the
 // configured nor the local file is there: with one of them the start-up asks.
@@ -233,6 +243,7 @@ int starte(int argc, char** argv) {
     // Without it the toolkit takes whole monitors for free as soon as there are two, panels included.
     if (qEnvironmentVariableIsEmpty("QT_RELY_ON_NET_WORKAREA_ATOM"))
         qputenv("QT_RELY_ON_NET_WORKAREA_ATOM", "1");
+    meideStummenBus();
     QApplication anwendung(argc, argv);
     DeutscheTexte texte;
     QCoreApplication::installTranslator(&texte);

@@ -1,5 +1,6 @@
 #include "desktop/Busklopfen.h"
 
+#include <poll.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
@@ -58,6 +59,12 @@ Dateideskriptor klopfeAn(const std::string& socketpfad) {
         ::send(fd.get(), zeile.data(), zeile.size(), MSG_NOSIGNAL) != static_cast<ssize_t>(zeile.size()))
         return {};
     return fd;
+}
+
+bool istStumm(const std::string& socketpfad, int ms) {
+    const Dateideskriptor fd = klopfeAn(socketpfad);
+    pollfd antwort{fd.get(), POLLIN, 0};
+    return fd && ::poll(&antwort, 1, ms) == 0;
 }
 
 }  // namespace wendel

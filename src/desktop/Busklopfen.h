@@ -15,4 +15,7 @@ std::string bussocket(const std::string& adresse);
 // there is nobody to talk to. Never waits.
 Dateideskriptor klopfeAn(const std::string& socketpfad);
 
+// Somebody takes connections there and has said nothing for so long.
+bool istStumm(const std::string& socketpfad, int ms);
+
 }  // namespace wendel

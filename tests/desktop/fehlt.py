@@ -1,5 +1,5 @@
 """What is missing on a machine, told or borne: fehlt.py ohne-bus runs without a session bus, fehlt.py alles elsewhere."""
-import sys
+import socket, sys
 from hilfe import *
 
 
@@ -52,6 +52,17 @@ def ohne_bus():
     p.beende()
 
 
+def stummer_bus():
+    """One that takes connections and never answers is no bus, after a while."""
+    adresse = os.path.join(os.environ['HEADLESS_DESKTOP'], 'stumm')
+    with socket.socket(socket.AF_UNIX) as bus:
+        bus.bind(adresse)
+        bus.listen()
+        p = Lomrick().starte(DBUS_SESSION_BUS_ADDRESS='unix:path=' + adresse)
+        warte_fenster(LISTE, 60)
+        p.beende()
+
+
 def datenbank_geht_kaputt():
     """The database is damaged while the program runs: the notice comes, the box beside it blocks the list only."""
     p = Lomrick().starte(uhr='2012-12-24 21:44:56')
@@ -85,7 +96,7 @@ def beenden_im_menue():
     assert p.prozess.wait(5) == 0
 
 
-faelle = {'ohne-bus': [ohne_bus],
+faelle = {'ohne-bus': [ohne_bus, stummer_bus],
           'alles': [ohne_bildschirm, ohne_datenbank, falsche_uhr, hilfe, datenbank_geht_kaputt, beenden_im_menue]}
 for fall in faelle[sys.argv[1]]:
     print(fall.__name__, flush=True)
